@@ -1,0 +1,36 @@
+# The two closed libraries: feature extractor/comparator (TAVO_FR) and
+# landmark detector (TAVO_LD).
+#
+# xvkfc::closed_headers carries the include folder of their headers.
+# On Android, TAVO_FR and TAVO_LD are the vendor's prebuilt libraries and the
+# vendor's headers take the place of ours. Elsewhere the project builds its
+# own host stand-ins from platform/host so that the whole pipeline runs on a
+# workstation.
+add_library(xvkfc_closed_headers INTERFACE)
+add_library(xvkfc::closed_headers ALIAS xvkfc_closed_headers)
+
+if(ANDROID)
+  if(NOT XVKFC_VENDOR_INCLUDE_DIR OR NOT XVKFC_VENDOR_LIB_DIR)
+    message(FATAL_ERROR
+      "An Android build needs the vendor's closed libraries: set "
+      "XVKFC_VENDOR_INCLUDE_DIR and XVKFC_VENDOR_LIB_DIR.")
+  endif()
+  target_include_directories(xvkfc_closed_headers INTERFACE ${XVKFC_VENDOR_INCLUDE_DIR})
+  foreach(lib TAVO_FR TAVO_LD)
+    add_library(${lib} SHARED IMPORTED)
+    set_target_properties(${lib} PROPERTIES
+      IMPORTED_LOCATION ${XVKFC_VENDOR_LIB_DIR}/lib${lib}.so)
+  endforeach()
+else()
+  target_include_directories(xvkfc_closed_headers INTERFACE
+    $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/platform/tavo>
+    $<INSTALL_INTERFACE:include/xvkfc/platform/tavo>)
+  add_library(TAVO_FR SHARED platform/host/frecog_host.cc)
+  add_library(TAVO_LD SHARED platform/host/landmark_host.cc)
+  foreach(lib TAVO_FR TAVO_LD)
+    target_link_libraries(${lib} PRIVATE xvkfc_closed_headers)
+    # The host stand-ins export their whole class, as the vendor's do.
+    set_target_properties(${lib} PROPERTIES CXX_VISIBILITY_PRESET default
+                                            VISIBILITY_INLINES_HIDDEN OFF)
+  endforeach()
+endif()

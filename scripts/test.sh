@@ -1,0 +1,50 @@
+#!/usr/bin/env bash
+# Builds and runs every test configuration:
+#   dev       host build with tests
+#   sanitize  host build with AddressSanitizer and UndefinedBehaviorSanitizer
+#   armhf     32-bit ARM cross build, tests run under qemu-arm
+# Installs whatever is missing first. Exits non-zero if anything fails.
+# Usage: scripts/test.sh [preset ...]   (default: all three)
+set -u
+cd "$(dirname "$0")/.."
+
+scripts/install-deps.sh || exit 1
+
+presets=("$@")
+[ ${#presets[@]} -gt 0 ] || presets=(dev sanitize armhf)
+jobs=$(nproc 2>/dev/null || echo 2)
+
+export ASAN_OPTIONS=detect_leaks=1:abort_on_error=0
+export UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
+
+status=0
+total_passed=0
+total_failed=0
+for preset in "${presets[@]}"; do
+  echo "=== ${preset}: configure and build"
+  if ! cmake --preset "$preset" -DXVKFC_WARNINGS_AS_ERRORS=ON >"build-${preset}.log" 2>&1 ||
+     ! cmake --build "build/${preset}" -j "$jobs" >>"build-${preset}.log" 2>&1; then
+    tail -n 60 "build-${preset}.log"
+    echo "=== ${preset}: build FAILED (full log: build-${preset}.log)"
+    status=1
+    continue
+  fi
+  rm -f "build-${preset}.log"
+  echo "=== ${preset}: test"
+  ctest --test-dir "build/${preset}" -j "$jobs" --output-on-failure 2>&1 | tee "build/${preset}/ctest.out"
+  [ "${PIPESTATUS[0]}" -eq 0 ] || status=1
+  summary=$(grep -E '^[0-9]+% tests passed, [0-9]+ tests failed out of [0-9]+' "build/${preset}/ctest.out" | tail -n 1)
+  if [ -n "$summary" ]; then
+    failed=$(echo "$summary" | sed -E 's/.* ([0-9]+) tests failed out of ([0-9]+).*/\1/')
+    all=$(echo "$summary" | sed -E 's/.* tests failed out of ([0-9]+).*/\1/')
+    total_passed=$((total_passed + all - failed))
+    total_failed=$((total_failed + failed))
+  else
+    status=1
+  fi
+done
+
+echo
+echo "=== Summary over ${presets[*]}"
+echo "${total_passed} passed, ${total_failed} failed"
+exit $status

@@ -1,0 +1,71 @@
+#include "support/alloc_failure.h"
+
+#include <cstdlib>
+#include <new>
+
+namespace {
+
+long countdown = 0;  // > 0: allocations left until the one that fails
+long counted = 0;
+bool failureFired = false;
+int suspendDepth = 0;
+
+void* allocate(std::size_t size) {
+  if (suspendDepth == 0) {
+    ++counted;
+    if (countdown > 0 && --countdown == 0) {
+      failureFired = true;
+      throw std::bad_alloc();
+    }
+  }
+  void* p = std::malloc(size == 0 ? 1 : size);
+  if (p == nullptr) throw std::bad_alloc();
+  return p;
+}
+
+}  // namespace
+
+namespace alloc_failure {
+
+void failNth(long n) {
+  countdown = n > 0 ? n : 0;
+  failureFired = false;
+}
+
+void disarm() { countdown = 0; }
+
+bool fired() { return failureFired; }
+
+long countAllocations(const std::function<void()>& body) {
+  const long before = counted;
+  body();
+  return counted - before;
+}
+
+Suspended::Suspended() { ++suspendDepth; }
+Suspended::~Suspended() { --suspendDepth; }
+
+}  // namespace alloc_failure
+
+void* operator new(std::size_t size) { return allocate(size); }
+void* operator new[](std::size_t size) { return allocate(size); }
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+  try {
+    return allocate(size);
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
+}
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
+  try {
+    return allocate(size);
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
+}
+void operator delete(void* p) noexcept { std::free(p); }
+void operator delete[](void* p) noexcept { std::free(p); }
+void operator delete(void* p, std::size_t) noexcept { std::free(p); }
+void operator delete[](void* p, std::size_t) noexcept { std::free(p); }
+void operator delete(void* p, const std::nothrow_t&) noexcept { std::free(p); }
+void operator delete[](void* p, const std::nothrow_t&) noexcept { std::free(p); }

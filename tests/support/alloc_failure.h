@@ -1,0 +1,41 @@
+// Test-only allocation-failure injector. The test binary replaces the global
+// operator new; a test can count the allocations of a piece of code and make
+// a chosen one of them throw std::bad_alloc.
+//
+//   long n = alloc_failure::countAllocations([&] { engine.init(&recognizer); });
+//   for (long k = 1; k <= n; ++k) {
+//     alloc_failure::failNth(k);          // the k-th allocation from now fails
+//     ... run the code, check the documented outcome ...
+//     alloc_failure::disarm();
+//   }
+#ifndef XVKFC_TESTS_SUPPORT_ALLOC_FAILURE_H_
+#define XVKFC_TESTS_SUPPORT_ALLOC_FAILURE_H_
+
+#include <functional>
+
+namespace alloc_failure {
+
+// Makes the n-th allocation from now (1-based) throw std::bad_alloc; later
+// ones succeed again. n <= 0 disarms.
+void failNth(long n);
+void disarm();
+// Whether the armed failure has happened.
+bool fired();
+
+// Runs `body` and returns how many allocations it made.
+long countAllocations(const std::function<void()>& body);
+
+// While one of these lives, allocations are neither counted nor failed: the
+// test doubles record their calls inside one, so only the engine's own
+// allocations are the injector's.
+class Suspended {
+ public:
+  Suspended();
+  ~Suspended();
+  Suspended(const Suspended&) = delete;
+  Suspended& operator=(const Suspended&) = delete;
+};
+
+}  // namespace alloc_failure
+
+#endif  // XVKFC_TESTS_SUPPORT_ALLOC_FAILURE_H_
