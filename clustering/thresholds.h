@@ -9,6 +9,10 @@ namespace detail {
 // Floats in one face feature.
 inline constexpr int kFeatureDim = 960;
 
+// Comparison scores are reported on 0..kScoreScaleMax (ten bits); a
+// comparator result outside [-1, 1] is clamped to that range.
+inline constexpr int kScoreScaleMax = 1023;
+
 // Splitting: a cluster is cut in two when its mean inner similarity, or any
 // single similarity inside it, is below this.
 inline constexpr float kSplitSimilarity = 0.69f;
