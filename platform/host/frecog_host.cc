@@ -1,15 +1,53 @@
 // Host stand-in for libTAVO_FR: a deterministic feature of the face region and
 // cosine similarity. It makes the pipeline run on a workstation; it is not a
 // face recogniser.
+#include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <cstdlib>
 
 #include "FRecogInterface.h"
+#include "face_points.h"
 #include "host_model_path.h"
 
 namespace {
 
 constexpr int kFeatureDim = 960;
+
+// The feature is a grey-level thumbnail of the face rectangle, 32 cells across
+// and 30 down (960 values).
+constexpr int kThumbnailWidth = 32;
+constexpr int kThumbnailHeight = 30;
+static_assert(kThumbnailWidth * kThumbnailHeight == kFeatureDim, "one value per cell");
+
+// Half-open pixel ranges of the part of the face rectangle inside the image.
+struct Region {
+  int64_t left, top, right, bottom;
+};
+
+// Pixels [first, end) of cell `cell` of `cells` along a range of `length`
+// starting at `start`; at least one pixel even when the range is shorter than
+// the number of cells.
+void cellSpan(int64_t start, int64_t length, int cell, int cells, int64_t* first, int64_t* end) {
+  *first = start + cell * length / cells;
+  *end = std::max(*first + 1, start + (cell + 1) * length / cells);
+}
+
+// Mean of B + 2G + R over the pixels of one cell, in double. Integer sums
+// make equal regions give bit-identical means.
+double cellGrey(const unsigned char* bgr, int width, const Region& region, int cellX, int cellY) {
+  int64_t x0, x1, y0, y1;
+  cellSpan(region.left, region.right - region.left, cellX, kThumbnailWidth, &x0, &x1);
+  cellSpan(region.top, region.bottom - region.top, cellY, kThumbnailHeight, &y0, &y1);
+  int64_t sum = 0;
+  for (int64_t y = y0; y < y1; ++y) {
+    for (int64_t x = x0; x < x1; ++x) {
+      const unsigned char* pixel = bgr + 3 * (y * width + x);
+      sum += pixel[0] + 2 * pixel[1] + pixel[2];
+    }
+  }
+  return static_cast<double>(sum) / static_cast<double>((x1 - x0) * (y1 - y0));
+}
 
 }  // namespace
 
@@ -22,9 +60,42 @@ int CFRecogInterface::Init(int featureDim, const char* modelPath) {
   return host::isReadableDirectory(modelPath) ? 1 : -1;
 }
 
-float* CFRecogInterface::RunFeatureExtraction(unsigned char*, int, int, float*, bool*,
-                                              TAVOFEImageFormat::EImageFormat) {
-  return nullptr;
+float* CFRecogInterface::RunFeatureExtraction(unsigned char* image, int width, int height,
+                                              float* landmarks, bool*,
+                                              TAVOFEImageFormat::EImageFormat format) {
+  if (image == nullptr || landmarks == nullptr || width < 1 || height < 1 ||
+      format != TAVOFEImageFormat::kBgr24) {
+    return nullptr;
+  }
+  host::Rect face;
+  if (!host::faceFromPoints(landmarks, &face)) return nullptr;
+  const Region region = {std::max<int64_t>(face.left, 0), std::max<int64_t>(face.top, 0),
+                         std::min<int64_t>(static_cast<int64_t>(face.left) + face.width, width),
+                         std::min<int64_t>(static_cast<int64_t>(face.top) + face.height, height)};
+  if (region.right <= region.left || region.bottom <= region.top) return nullptr;
+
+  double cells[kFeatureDim];
+  double total = 0.0;
+  for (int y = 0; y < kThumbnailHeight; ++y) {
+    for (int x = 0; x < kThumbnailWidth; ++x) {
+      cells[y * kThumbnailWidth + x] = cellGrey(image, width, region, x, y);
+      total += cells[y * kThumbnailWidth + x];
+    }
+  }
+  const double mean = total / kFeatureDim;
+  double squares = 0.0;
+  for (double& cell : cells) {
+    cell -= mean;
+    squares += cell * cell;
+  }
+  // A region of one grey level has no pattern to describe.
+  if (squares == 0.0) return nullptr;
+
+  auto* feature = static_cast<float*>(std::malloc(kFeatureDim * sizeof(float)));
+  if (feature == nullptr) return nullptr;
+  const double norm = std::sqrt(squares);
+  for (int i = 0; i < kFeatureDim; ++i) feature[i] = static_cast<float>(cells[i] / norm);
+  return feature;
 }
 
 float CFRecogInterface::RunComparison(float* a, float* b) {
