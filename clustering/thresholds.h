@@ -45,6 +45,10 @@ inline constexpr float kOutlierJoinSimilarity = 0.9f;
 // this similarity or more are united.
 inline constexpr float kClusterLinkSimilarity = 0.87f;
 
+// Recommendation: scores on the 0..1023 scale up to this one are rejected; a
+// comparator score of exactly 0.8 maps to 920, so a match must beat 0.8.
+inline constexpr int kRecommendRejectAtOrBelow = 920;
+
 }  // namespace detail
 
 #endif  // XVKFC_CLUSTERING_THRESHOLDS_H_

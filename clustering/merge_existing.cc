@@ -1,0 +1,227 @@
+// Merging the run's clusters with the clusters the application already holds.
+#include <algorithm>
+#include <cassert>
+#include <cstddef>
+#include <cstring>
+#include <iterator>
+#include <map>
+#include <vector>
+
+#include "FRecogInterface.h"
+#include "clustering/face_clustering_system.h"
+#include "clustering/thresholds.h"
+#include "platform/alloc_guard.h"
+
+namespace {
+
+using ClusterMap = std::map<int, Cluster>;
+
+// (score + 1) * 0.5 of the comparator's score, as in the kernel.
+float mappedSimilarity(void* recognizer, float* a, float* b) {
+  const float score = static_cast<CFRecogInterface*>(recognizer)->RunComparison(a, b);
+  return (score + 1.0f) * 0.5f;
+}
+
+// A cluster whose representative could not be computed for lack of memory
+// has no feature to compare; it matches nothing rather than being read past.
+bool hasFeature(const Cluster& cluster) {
+  return static_cast<int>(cluster.feature.size()) >= detail::kFeatureDim;
+}
+
+bool contains(const std::vector<int>& list, int value) {
+  return std::find(list.begin(), list.end(), value) != list.end();
+}
+
+}  // namespace
+
+void FaceClusteringSystem::mergeInitialCluster(std::vector<clusterinfo> existing) {
+  if (clusters.empty()) return;
+
+  // Step 1: the application's clusters, as they are.
+  ClusterMap merged;
+  int maxId = -1;
+  for (const clusterinfo& e : existing) {
+    maxId = std::max(maxId, e.id);
+    Cluster cl;
+    cl.id = e.id;
+    if (e.id >= 0) {
+      cl.feature = e.feature;
+      cl.repFaceId = e.repFaceId;
+    } else {
+      cl.repFaceId = -1;
+    }
+    initialFaceCount += static_cast<int>(e.faceIds.size());
+    if (!detail::runOrLogAllocFailure("malloc fail!!!(existing cluster in mergeCluster)", [&] {
+          cl.members.assign(e.faceIds.begin(), e.faceIds.end());
+        })) {
+      clusters.clear();
+      return;
+    }
+    merged[e.id] = cl;
+  }
+
+  // Step 2: the run's clusters, numbered after the application's, and the
+  // run's outliers offered to every application cluster.
+  int lastId = maxId;
+  for (const auto& entry : clusters) {
+    const int key = entry.first;
+    const Vec<int> faceIndices = entry.second.members;
+    if (key != -1) {
+      const int newId = maxId + 1 + key;
+      Cluster cl;
+      cl.init(newId);
+      getClusterFeature(cl, faceIndices);
+      merged[newId] = cl;
+      lastId = newId;
+      continue;
+    }
+
+    // A face counts once in `matched` for every cluster it joins.
+    std::vector<int> matched;
+    if (!existing.empty()) {
+      const bool joined =
+          detail::runOrLogAllocFailure("malloc fail!!!(add survive in mergeInitialCluster", [&] {
+            float faceFeature[detail::kFeatureDim];
+            for (int f : faceIndices) {
+              std::memcpy(faceFeature, featureMats[0][f].data(), sizeof(faceFeature));
+              for (auto& candidate : merged) {
+                Cluster& cluster = candidate.second;
+                if (candidate.first == -1 || !hasFeature(cluster)) continue;
+                if (mappedSimilarity(recognizer, faceFeature, cluster.feature.data()) >=
+                    detail::kOutlierJoinSimilarity) {
+                  cluster.members.push_back(faces[f].faceId);
+                  matched.push_back(f);
+                }
+              }
+            }
+          });
+      if (!joined) {
+        clusters = merged;
+        return;
+      }
+    }
+    // Lengths only: faces that joined several clusters can make `matched` as
+    // long as the outlier list and so leave unmatched faces out entirely.
+    if (faceIndices.size() > matched.size()) {
+      const bool moved =
+          detail::runOrLogAllocFailure("malloc fail!!!(merge outlier in mergeInitialCluster", [&] {
+            Cluster& bucket = merged[-1];
+            bucket.id = -1;
+            for (int f : faceIndices) {
+              if (!contains(matched, f)) bucket.members.push_back(faces[f].faceId);
+            }
+          });
+      if (!moved) {
+        clusters = merged;
+        return;
+      }
+    }
+  }
+
+  // Step 3: the count is taken before groups are united below.
+  clusterCount = static_cast<int>(merged.size());
+  clusters.clear();
+  if (existing.empty()) {
+    clusters = merged;
+    return;
+  }
+
+  // Step 4: link close clusters in one ordered pass, then unite each group.
+  const ClusterMap snapshot = merged;
+  for (auto a = merged.begin(); a != merged.end(); ++a) {
+    if (a->first == -1 || !hasFeature(a->second)) continue;
+    for (auto b = std::next(a); b != merged.end(); ++b) {
+      if (b->first == -1 || !hasFeature(b->second)) continue;
+      if (mappedSimilarity(recognizer, a->second.feature.data(), b->second.feature.data()) >=
+          detail::kClusterLinkSimilarity) {
+        if (a->second.id < b->second.id) {
+          b->second.id = a->second.id;
+        } else {
+          a->second.id = b->second.id;
+        }
+      }
+    }
+  }
+
+  // One flag per id from -1 to lastId.
+  std::vector<char> used;
+  if (!detail::runOrLogAllocFailure("malloc fail!!!(cid assign in mergeCluster", [&] {
+        used.assign(static_cast<std::size_t>(lastId) + 2, 0);
+      })) {
+    clusters = snapshot;
+    return;
+  }
+  for (const auto& entry : merged) {
+    assert(entry.second.id >= -1 && entry.second.id <= lastId);
+    used[entry.second.id + 1] = 1;
+  }
+
+  int next = 0;
+  for (int t = -1; t <= lastId; ++t) {
+    if (!used[t + 1]) continue;
+
+    // The group of t in ascending key order; the first entry survives.
+    Cluster* survivor = nullptr;
+    int count = 0;
+    const bool membersMerged =
+        detail::runOrLogAllocFailure("malloc fail!!!(merge members in mergeInitialCluster", [&] {
+          for (auto& entry : merged) {
+            Cluster& cluster = entry.second;
+            if (cluster.id != t) continue;
+            ++count;
+            if (survivor == nullptr) {
+              survivor = &cluster;
+            } else {
+              survivor->members.insert(survivor->members.end(), cluster.members.begin(),
+                                       cluster.members.end());
+            }
+          }
+        });
+    if (!membersMerged) {
+      clusters = snapshot;
+      return;
+    }
+
+    if (t >= 0 && count >= 2) {
+      std::vector<float> groupFeatures;
+      if (!detail::runOrLogAllocFailure("malloc fail!!!(update cFeature in mergeCluster)", [&] {
+            groupFeatures.resize(static_cast<std::size_t>(count) * detail::kFeatureDim);
+          })) {
+        clusters = snapshot;
+        return;
+      }
+      Vec<int> repFaceIds;
+      int slot = 0;
+      const bool idsCollected = detail::runOrLogAllocFailure(
+          "malloc fail!!!(update cFeature2 in mergeInitialCluster", [&] {
+            for (const auto& entry : merged) {
+              const Cluster& cluster = entry.second;
+              if (cluster.id != t) continue;
+              std::memcpy(&groupFeatures[static_cast<std::size_t>(slot) * detail::kFeatureDim],
+                          cluster.feature.data(), detail::kFeatureDim * sizeof(float));
+              ++slot;
+              repFaceIds.push_back(cluster.repFaceId);
+            }
+          });
+      if (!idsCollected) {
+        clusters = snapshot;
+        return;
+      }
+      int repFaceId = 0;
+      survivor->feature =
+          getClusterFeature(groupFeatures.data(), count, std::move(repFaceIds), &repFaceId);
+      survivor->repFaceId = repFaceId;
+    }
+
+    if (t == -1) {
+      Cluster& bucket = clusters[-1];
+      bucket = *survivor;
+      bucket.id = -1;
+    } else {
+      Cluster& written = clusters[next];
+      written = *survivor;
+      written.id = next;
+      ++next;
+    }
+  }
+}
