@@ -18,7 +18,7 @@ struct DetectorState {
 // Computed in 64 bits so that no rectangle can overflow.
 bool overlapsImage(int width, int height, int left, int top, int rectWidth, int rectHeight) {
   if (width < 1 || height < 1 || rectWidth < 1 || rectHeight < 1) return false;
-  return left < width && top < height && static_cast<int64_t>(left) + rectWidth > 0 &&
+  return left < width && top<height&& static_cast<int64_t>(left) + rectWidth> 0 &&
          static_cast<int64_t>(top) + rectHeight > 0;
 }
 
