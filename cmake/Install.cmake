@@ -37,3 +37,8 @@ install(FILES
   ${CMAKE_CURRENT_BINARY_DIR}/xvkfcEngineTAVOConfig.cmake
   ${CMAKE_CURRENT_BINARY_DIR}/xvkfcEngineTAVOConfigVersion.cmake
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/xvkfcEngineTAVO)
+
+# The command-line program, beside the library it runs on.
+if(TARGET xvkfc)
+  install(TARGETS xvkfc RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+endif()

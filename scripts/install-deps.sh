@@ -9,7 +9,7 @@ packages=(
   android-liblog-dev
   g++-arm-linux-gnueabihf qemu-user
   libc6:armhf libstdc++6:armhf libgtest-dev:armhf android-liblog-dev:armhf
-  nlohmann-json3-dev libcli11-dev libpng-dev
+  nlohmann-json3-dev libcli11-dev libstb-dev
 )
 
 as_root() {

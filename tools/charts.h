@@ -1,0 +1,33 @@
+// The report's two pictures.
+#ifndef XVKFC_TOOLS_CHARTS_H_
+#define XVKFC_TOOLS_CHARTS_H_
+
+#include <map>
+#include <vector>
+
+#include "tools/png_image.h"
+
+namespace tool {
+
+// Similarities of 0..1023 at or below this value share the darkest colour:
+// unrelated faces score about 511, so the ramp is spent on the upper half.
+inline constexpr int kHeatFloor = 384;
+
+// Colour of a similarity on the heat map's ramp (dark blue to yellow).
+Rgb heatColor(int similarity);
+
+// Heat map of an n x n similarity matrix (row-major, values 0..1023) whose
+// faces are ordered by cluster: `blocks` gives the sizes of consecutive
+// clusters along the diagonal (the rest are unclustered), each outlined.
+// Each face takes `scale` pixels. REQUIRES: similarities.size() == n * n.
+RgbImage heatMap(const std::vector<int>& similarities, int n, const std::vector<int>& blocks,
+                 int scale);
+
+// Bar chart of cluster sizes: one bar per size from 1 to the largest, its
+// height the number of clusters of that size, labelled with the count above
+// and the size below. `clustersOfSize` maps size to count.
+RgbImage sizeHistogram(const std::map<int, int>& clustersOfSize);
+
+}  // namespace tool
+
+#endif  // XVKFC_TOOLS_CHARTS_H_

@@ -1,0 +1,122 @@
+// xvkfc cluster: features from a file, optionally with the clusters of an
+// earlier run, clustered and written as the next clusters file.
+#include <cstdio>
+#include <memory>
+#include <set>
+
+#include "tools/batch_run.h"
+#include "tools/commands.h"
+#include "tools/report.h"
+#include "tools/similarity_view.h"
+#include "tools/tool_error.h"
+
+namespace tool {
+namespace {
+
+// The heat map shows at most this many faces; more are thinned out, since
+// the report compares every shown pair.
+constexpr int kReportMaxFaces = 600;
+
+struct ClusterOptions {
+  std::string features, ids, existing, output, labels, report;
+  int batchSize = 0;
+};
+
+void rejectKnownFaces(const std::vector<int>& faceIds, const std::vector<ClusterRecord>& existing,
+                      const ClusterOptions& options) {
+  std::set<int> known;
+  for (const ClusterRecord& cluster : existing) known.insert(cluster.faceIds.begin(), cluster.faceIds.end());
+  for (int id : faceIds) {
+    if (known.count(id)) {
+      throw ToolError((options.ids.empty() ? options.features : options.ids) + ": face id " +
+                      std::to_string(id) + " is already in the existing clusters of " +
+                      options.existing);
+    }
+  }
+}
+
+int runCluster(const ClusterOptions& options, const GlobalOptions& global) {
+  Progress progress(global.quiet);
+  progress.begin("reading " + options.features);
+  const FeatureMatrix features = readFeatures(options.features);
+  const std::vector<int> faceIds = readFaceIds(options.ids, features.rows());
+  std::vector<ClusterRecord> existing;
+  if (!options.existing.empty()) existing = readClusters(options.existing);
+  rejectKnownFaces(faceIds, existing, options);
+  BatchPlan plan;
+  plan.batchSize = options.batchSize;
+  if (!options.labels.empty()) {
+    plan.identities = identityOfFaces(faceIds, readIntList(options.labels, "labels"),
+                                      options.labels.c_str());
+  }
+  progress.end(std::to_string(features.rows()) + " features");
+
+  EngineSession session(global.models);
+  std::vector<RunSummary> batches;
+  plan.onBatch = [&](const RunSummary& summary) {
+    batches.push_back(summary);
+    progress.note(describe(summary));
+  };
+  const std::vector<ClusterRecord> clusters =
+      clusterInBatches(session, features, faceIds, std::move(existing), plan, progress);
+
+  writeClusters(options.output, clusters);
+  const RunSummary& last = batches.back();
+  std::printf("%d faces clustered in %zu batch%s: %d clusters, %d unclustered faces\n",
+              features.rows(), batches.size(), batches.size() == 1 ? "" : "es", last.clusters,
+              last.unclustered);
+  if (last.quality) std::printf("quality: %s\n", describe(*last.quality).c_str());
+  std::printf("clusters written to %s\n", options.output.c_str());
+
+  if (!options.report.empty()) {
+    ReportData report;
+    report.title = "xvkfc cluster " + options.features;
+    report.input = std::to_string(features.rows()) + " faces from " + options.features +
+                   (options.existing.empty() ? "" : ", merged into the clusters of " + options.existing) +
+                   ".";
+    report.clusters = clusters;
+    report.identities = plan.identities;
+    report.quality = last.quality;
+    report.batches = batches;
+    report.view = buildSimilarityView(session, features, faceIds, clusters, kReportMaxFaces, progress);
+    writeReport(options.report, report);
+    std::printf("report written to %s\n", options.report.c_str());
+  }
+  return kExitOk;
+}
+
+}  // namespace
+
+Command addClusterCommand(CLI::App& app, const GlobalOptions& global) {
+  auto options = std::make_shared<ClusterOptions>();
+  CLI::App* sub = app.add_subcommand(
+      "cluster",
+      "Cluster the face features in FEATURES and write the clusters as JSON.\n"
+      "Give the clusters file of an earlier run with --existing to add a new batch of faces to "
+      "it, as a photo application does; --batch-size splits FEATURES into successive runs, each "
+      "fed the previous result.");
+  sub->add_option("FEATURES", options->features,
+                  "Features: .npy (float32, shape N x 960) or raw little-endian float32 "
+                  "(N x 960 values)")
+      ->required();
+  sub->add_option("-o,--output", options->output, "Clusters file to write (JSON)")->required();
+  sub->add_option("--ids", options->ids,
+                  "Face id of each feature: text (whitespace-separated integers) or .npy int32/"
+                  "int64 (default: 0..N-1)");
+  sub->add_option("--existing", options->existing,
+                  "Clusters file of an earlier run: its clusters are the ones the application "
+                  "already has");
+  sub->add_option("--batch-size", options->batchSize,
+                  "Cluster N faces per run, in file order, each run fed the previous result "
+                  "(default 0: all in one run)")
+      ->check(CLI::NonNegativeNumber);
+  sub->add_option("--labels", options->labels,
+                  "Known identity of each feature (same formats as --ids): prints pairwise and "
+                  "BCubed precision, recall and F-score");
+  sub->add_option("--report", options->report,
+                  "Write a self-contained HTML report: similarity heat map, cluster sizes, "
+                  "cluster table");
+  return {sub, [options, &global] { return runCluster(*options, global); }};
+}
+
+}  // namespace tool

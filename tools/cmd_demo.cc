@@ -1,0 +1,144 @@
+// xvkfc demo: a synthetic gallery clustered batch after batch, measured
+// against its known identities.
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <memory>
+
+#include "tools/atomic_file.h"
+#include "tools/batch_run.h"
+#include "tools/commands.h"
+#include "tools/gallery.h"
+#include "tools/report.h"
+#include "tools/similarity_view.h"
+#include "tools/tool_error.h"
+
+namespace tool {
+namespace {
+
+// The demo's gallery is small enough to show every face on the heat map.
+constexpr int kReportMaxFaces = 600;
+
+struct DemoOptions {
+  GalleryOptions gallery;
+  int batches = 4;
+  std::string output, report, saveGallery;
+};
+
+std::string integersText(const std::vector<int>& values) {
+  std::string text;
+  for (int value : values) text += std::to_string(value) + "\n";
+  return text;
+}
+
+void saveGallery(const std::string& folder, const Gallery& gallery) {
+  if (mkdir(folder.c_str(), 0777) != 0 && errno != EEXIST) {
+    throw ToolError(folder + ": cannot create the folder");
+  }
+  writeFeatures(folder + "/features.npy", gallery.features);
+  writeFileAtomically(folder + "/face_ids.txt", integersText(gallery.faceIds));
+  writeFileAtomically(folder + "/labels.txt", integersText(gallery.identities));
+}
+
+int runDemo(const DemoOptions& options, const GlobalOptions& global) {
+  const GalleryOptions& g = options.gallery;
+  if (g.minFaces > g.maxFaces) throw ToolError("--min-faces must not exceed --max-faces");
+  Progress progress(global.quiet);
+  progress.begin("making the synthetic gallery");
+  const Gallery gallery = makeGallery(g);
+  progress.end();
+  const int faces = gallery.features.rows();
+  const int batchSize = (faces + options.batches - 1) / options.batches;
+  std::printf(
+      "Synthetic gallery (seed %u): %d people with %d to %d faces each (%d of them look-alikes), "
+      "%d lone faces, %d duplicates: %d faces, clustered in %d batches of up to %d.\n",
+      g.seed, g.people, g.minFaces, g.maxFaces, std::min(g.lookAlikes, g.people - 1), g.loneFaces,
+      g.duplicates, faces, options.batches, batchSize);
+  std::fflush(stdout);
+  if (!options.saveGallery.empty()) saveGallery(options.saveGallery, gallery);
+
+  BatchPlan plan;
+  plan.batchSize = batchSize;
+  plan.identities = identityOfFaces(gallery.faceIds, gallery.identities, "the gallery");
+  std::vector<RunSummary> batches;
+  plan.onBatch = [&](const RunSummary& summary) {
+    batches.push_back(summary);
+    std::printf("%s\n", describe(summary).c_str());
+    std::fflush(stdout);
+  };
+  EngineSession session(global.models);
+  const std::vector<ClusterRecord> clusters =
+      clusterInBatches(session, gallery.features, gallery.faceIds, {}, plan, progress);
+
+  const RunSummary& last = batches.back();
+  double seconds = 0.0;
+  for (const RunSummary& batch : batches) seconds += batch.seconds;
+  std::printf("Result: %d clusters for %d people and %d lone faces, %d unclustered faces, %.3f s "
+              "in all.\nQuality: %s\n",
+              last.clusters, g.people, g.loneFaces, last.unclustered, seconds,
+              describe(*last.quality).c_str());
+  if (!options.output.empty()) {
+    writeClusters(options.output, clusters);
+    std::printf("Clusters written to %s\n", options.output.c_str());
+  }
+  if (!options.saveGallery.empty()) {
+    std::printf("Gallery written to %s (features.npy, face_ids.txt, labels.txt)\n",
+                options.saveGallery.c_str());
+  }
+  if (!options.report.empty()) {
+    ReportData report;
+    report.title = "xvkfc demo";
+    char input[200];
+    std::snprintf(input, sizeof input,
+                  "A synthetic gallery from seed %u: %d faces of %d people and %d lone faces "
+                  "(with %d duplicates), clustered in %d batches.",
+                  g.seed, faces, g.people, g.loneFaces, g.duplicates, options.batches);
+    report.input = input;
+    report.clusters = clusters;
+    report.identities = plan.identities;
+    report.quality = last.quality;
+    report.batches = batches;
+    report.view = buildSimilarityView(session, gallery.features, gallery.faceIds, clusters,
+                                      kReportMaxFaces, progress);
+    writeReport(options.report, report);
+    std::printf("Report written to %s\n", options.report.c_str());
+  }
+  return kExitOk;
+}
+
+}  // namespace
+
+Command addDemoCommand(CLI::App& app, const GlobalOptions& global) {
+  auto options = std::make_shared<DemoOptions>();
+  CLI::App* sub = app.add_subcommand(
+      "demo",
+      "Make a synthetic gallery with known identities (the same for a given seed, on every "
+      "machine), cluster it batch after batch as a photo application does, and print per batch "
+      "the faces, clusters, unclustered faces, time and quality.");
+  GalleryOptions& g = options->gallery;
+  sub->add_option("--seed", g.seed, "Seed of the gallery")->capture_default_str();
+  sub->add_option("--people", g.people, "People with several faces")
+      ->capture_default_str()->check(CLI::Range(1, 10000));
+  sub->add_option("--min-faces", g.minFaces, "Fewest faces per person")
+      ->capture_default_str()->check(CLI::Range(1, 1000));
+  sub->add_option("--max-faces", g.maxFaces, "Most faces per person")
+      ->capture_default_str()->check(CLI::Range(1, 1000));
+  sub->add_option("--look-alikes", g.lookAlikes, "People who resemble another person")
+      ->capture_default_str()->check(CLI::Range(0, 10000));
+  sub->add_option("--lone", g.loneFaces, "People with a single face")
+      ->capture_default_str()->check(CLI::Range(0, 10000));
+  sub->add_option("--duplicates", g.duplicates, "Exact copies of faces under new face ids")
+      ->capture_default_str()->check(CLI::Range(0, 10000));
+  sub->add_option("--batches", options->batches, "Clustering runs the gallery is split into")
+      ->capture_default_str()->check(CLI::Range(1, 1000));
+  sub->add_option("-o,--output", options->output, "Also write the final clusters file (JSON)");
+  sub->add_option("--report", options->report, "Write a self-contained HTML report");
+  sub->add_option("--save-gallery", options->saveGallery,
+                  "Write the gallery to this folder as features.npy, face_ids.txt and labels.txt, "
+                  "for 'xvkfc cluster --labels'");
+  return {sub, [options, &global] { return runDemo(*options, global); }};
+}
+
+}  // namespace tool

@@ -1,0 +1,104 @@
+// xvkfc extract: features of face rectangles in a planar YUV 4:2:0 image.
+#include <cstdio>
+#include <memory>
+#include <sstream>
+
+#include "tools/atomic_file.h"
+#include "tools/commands.h"
+#include "tools/engine_session.h"
+#include "tools/tool_error.h"
+
+namespace tool {
+namespace {
+
+struct ExtractOptions {
+  std::string image, size, output;
+  std::vector<std::string> faces;
+};
+
+// Parses "A<sep>B<sep>..." into exactly `count` integers.
+std::vector<int> parseInts(const std::string& text, char separator, size_t count,
+                           const std::string& what) {
+  std::vector<int> values;
+  std::istringstream in(text);
+  std::string part;
+  while (std::getline(in, part, separator)) {
+    size_t used = 0;
+    int value = 0;
+    try {
+      value = std::stoi(part, &used);
+    } catch (const std::exception&) {
+      used = 0;
+    }
+    if (part.empty() || used != part.size()) break;
+    values.push_back(value);
+  }
+  if (values.size() != count || (!text.empty() && text.back() == separator)) {
+    throw ToolError("'" + text + "' is not a valid " + what);
+  }
+  return values;
+}
+
+int runExtract(const ExtractOptions& options, const GlobalOptions& global) {
+  const std::vector<int> size = parseInts(options.size, 'x', 2, "image size (WIDTHxHEIGHT)");
+  const int width = size[0], height = size[1];
+  if (width < 1 || height < 1) throw ToolError("the image size must be positive");
+  std::vector<itf_xvk_faceroi> rois;
+  for (const std::string& face : options.faces) {
+    const std::vector<int> r = parseInts(face, ',', 4, "face rectangle (LEFT,TOP,WIDTH,HEIGHT)");
+    if (r[0] < 0 || r[1] < 0 || r[2] < 1 || r[3] < 1 || r[0] + r[2] > width ||
+        r[1] + r[3] > height) {
+      throw ToolError("face rectangle " + face + " does not lie inside the " +
+                      std::to_string(width) + "x" + std::to_string(height) + " image");
+    }
+    rois.push_back({r[0], r[1], r[2], r[3]});
+  }
+
+  const std::string bytes = readWholeFile(options.image);
+  // Y plane, then U and V planes of half the size rounded up.
+  const size_t chroma = static_cast<size_t>((width + 1) / 2) * ((height + 1) / 2);
+  const size_t expected = static_cast<size_t>(width) * height + 2 * chroma;
+  if (bytes.size() != expected) {
+    throw ToolError(options.image + ": " + (bytes.size() < expected ? "truncated: " : "") +
+                    "a planar YUV 4:2:0 image of " + options.size + " has " +
+                    std::to_string(expected) + " bytes, the file has " +
+                    std::to_string(bytes.size()));
+  }
+  std::vector<unsigned char> image(bytes.begin(), bytes.end());
+
+  EngineSession session(global.models);
+  FeatureMatrix features;
+  for (size_t i = 0; i < rois.size(); ++i) {
+    const std::vector<float> feature = session.extract(image, width, height, rois[i]);
+    if (feature.empty()) {
+      throw ToolError(options.image + ": no face found in rectangle " + options.faces[i]);
+    }
+    features.appendRow(feature.data());
+  }
+  writeFeatures(options.output, features);
+  std::printf("%d feature%s written to %s\n", features.rows(), features.rows() == 1 ? "" : "s",
+              options.output.c_str());
+  return kExitOk;
+}
+
+}  // namespace
+
+Command addExtractCommand(CLI::App& app, const GlobalOptions& global) {
+  auto options = std::make_shared<ExtractOptions>();
+  CLI::App* sub = app.add_subcommand(
+      "extract",
+      "Turn face rectangles of a planar YUV 4:2:0 image (Y plane, then U and V planes of half "
+      "width and height, rounded up) into features (itf_xvk_extractFeature), one row per --face.");
+  sub->add_option("IMAGE", options->image, "The raw YUV 4:2:0 file")->required();
+  sub->add_option("--size", options->size, "Image size as WIDTHxHEIGHT, for example 640x480")
+      ->required();
+  sub->add_option("--face", options->faces,
+                  "Face rectangle as LEFT,TOP,WIDTH,HEIGHT in pixels; repeat for more faces")
+      ->required()
+      ->allow_extra_args(false);
+  sub->add_option("-o,--output", options->output, "Feature file to write (.npy or raw by name)")
+      ->required();
+  return {sub, [options, &global] { return runExtract(*options, global); }};
+}
+
+}  // namespace tool

@@ -1,0 +1,44 @@
+// xvkfc recommend: which existing cluster each new face belongs to.
+#include <cstdio>
+#include <memory>
+
+#include "tools/commands.h"
+#include "tools/engine_session.h"
+#include "tools/tool_error.h"
+
+namespace tool {
+namespace {
+
+struct RecommendOptions {
+  std::string features, ids, clusters;
+};
+
+int runRecommend(const RecommendOptions& options, const GlobalOptions& global) {
+  const FeatureMatrix features = readFeatures(options.features);
+  const std::vector<int> faceIds = readFaceIds(options.ids, features.rows());
+  const std::vector<ClusterRecord> clusters = readClusters(options.clusters);
+  EngineSession session(global.models);
+  for (int i = 0; i < features.rows(); ++i) {
+    std::printf("%d\t%d\n", faceIds[i], session.recommend(clusters, features.row(i)));
+  }
+  return kExitOk;
+}
+
+}  // namespace
+
+Command addRecommendCommand(CLI::App& app, const GlobalOptions& global) {
+  auto options = std::make_shared<RecommendOptions>();
+  CLI::App* sub = app.add_subcommand(
+      "recommend",
+      "For each feature in FEATURES, the cluster of --clusters it fits best "
+      "(itf_xvk_recommendCluster). Prints one line per feature: face id, a tab, and the cluster "
+      "id, or -1 when no cluster scores 921 or more of 1023.");
+  sub->add_option("FEATURES", options->features, "Features: .npy (N x 960 float32) or raw float32")
+      ->required();
+  sub->add_option("--clusters", options->clusters, "Clusters file (JSON) written by 'xvkfc cluster'")
+      ->required();
+  sub->add_option("--ids", options->ids, "Face id of each feature (default: 0..N-1)");
+  return {sub, [options, &global] { return runRecommend(*options, global); }};
+}
+
+}  // namespace tool

@@ -1,0 +1,56 @@
+// xvkfc representative: the feature the library picks to stand for a set.
+#include <cstdio>
+#include <cstring>
+#include <memory>
+
+#include "tools/commands.h"
+#include "tools/engine_session.h"
+#include "tools/tool_error.h"
+
+namespace tool {
+namespace {
+
+struct RepresentativeOptions {
+  std::string features, ids, output;
+};
+
+int runRepresentative(const RepresentativeOptions& options, const GlobalOptions& global) {
+  const FeatureMatrix features = readFeatures(options.features);
+  const std::vector<int> faceIds = readFaceIds(options.ids, features.rows());
+  EngineSession session(global.models);
+  const std::vector<float> representative = session.representative(features);
+  // The library returns a copy of one member's feature; name that member.
+  int row = -1;
+  for (int i = 0; i < features.rows() && row < 0; ++i) {
+    if (std::memcmp(features.row(i), representative.data(), kFeatureDim * sizeof(float)) == 0) row = i;
+  }
+  if (row >= 0) {
+    std::printf("representative: row %d, face id %d\n", row, faceIds[row]);
+  } else {
+    std::printf("representative: not one of the input rows\n");
+  }
+  if (!options.output.empty()) {
+    FeatureMatrix out;
+    out.appendRow(representative.data());
+    writeFeatures(options.output, out);
+  }
+  return kExitOk;
+}
+
+}  // namespace
+
+Command addRepresentativeCommand(CLI::App& app, const GlobalOptions& global) {
+  auto options = std::make_shared<RepresentativeOptions>();
+  CLI::App* sub = app.add_subcommand(
+      "representative",
+      "Pick the representative of the features in FEATURES (itf_xvk_getClusterFeature): the "
+      "face most similar on average to the others. Prints its row and face id.");
+  sub->add_option("FEATURES", options->features, "Features: .npy (N x 960 float32) or raw float32")
+      ->required();
+  sub->add_option("--ids", options->ids, "Face id of each feature (default: 0..N-1)");
+  sub->add_option("-o,--output", options->output,
+                  "Write the representative feature here (.npy or raw by name)");
+  return {sub, [options, &global] { return runRepresentative(*options, global); }};
+}
+
+}  // namespace tool

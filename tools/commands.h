@@ -1,0 +1,35 @@
+// The subcommands of xvkfc. Each add*Command registers its subcommand, with
+// its options and --help text, on the program's CLI11 app and returns it with
+// the function that runs it after parsing; that function returns the exit
+// code and throws ToolError for bad input.
+#ifndef XVKFC_TOOLS_COMMANDS_H_
+#define XVKFC_TOOLS_COMMANDS_H_
+
+#include <CLI/CLI.hpp>
+#include <functional>
+#include <string>
+
+namespace tool {
+
+// Options every subcommand understands.
+struct GlobalOptions {
+  bool quiet = false;    // no progress on standard error
+  bool verbose = false;  // the library's log lines on standard error
+  std::string models = ".";  // model folder of the closed libraries
+};
+
+struct Command {
+  CLI::App* subcommand;
+  std::function<int()> run;
+};
+
+Command addClusterCommand(CLI::App& app, const GlobalOptions& global);
+Command addRepresentativeCommand(CLI::App& app, const GlobalOptions& global);
+Command addRecommendCommand(CLI::App& app, const GlobalOptions& global);
+Command addCompareCommand(CLI::App& app, const GlobalOptions& global);
+Command addExtractCommand(CLI::App& app, const GlobalOptions& global);
+Command addDemoCommand(CLI::App& app, const GlobalOptions& global);
+
+}  // namespace tool
+
+#endif  // XVKFC_TOOLS_COMMANDS_H_

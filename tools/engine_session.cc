@@ -1,0 +1,108 @@
+#include "tools/engine_session.h"
+
+#include <cstdlib>
+
+#include "tools/tool_error.h"
+
+namespace tool {
+namespace {
+
+// Views of the program's records as the library's exchange records. The
+// library only reads a list it is given, so the pointers may alias the
+// records' own storage.
+class ExchangeList {
+ public:
+  explicit ExchangeList(const std::vector<ClusterRecord>& clusters) {
+    for (const ClusterRecord& record : clusters) {
+      itf_xvk_clusteritem item;
+      item.clusterId = record.id;
+      item.faceCount = static_cast<int>(record.faceIds.size());
+      item.faceIds = const_cast<int*>(record.faceIds.data());
+      item.featureDim = static_cast<int>(record.feature.size());
+      item.feature = record.feature.empty() ? nullptr : const_cast<float*>(record.feature.data());
+      item.repFaceId = record.repFaceId;
+      items_.push_back(item);
+    }
+    list_.count = static_cast<int>(items_.size());
+    list_.items = items_.empty() ? nullptr : items_.data();
+  }
+  itf_xvk_clusterinfo* get() { return &list_; }
+
+ private:
+  std::vector<itf_xvk_clusteritem> items_;
+  itf_xvk_clusterinfo list_{};
+};
+
+}  // namespace
+
+EngineSession::EngineSession(const std::string& modelDir) {
+  const int status = handle_.itf_xvk_Init(modelDir.c_str());
+  if (status != kFeatureDim) {
+    handle_.itf_xvk_Release();
+    throw ToolError(modelDir + ": the library did not start with this model folder (itf_xvk_Init "
+                    "returned " + std::to_string(status) + ")");
+  }
+}
+
+EngineSession::~EngineSession() { handle_.itf_xvk_Release(); }
+
+void EngineSession::load(const FeatureMatrix& features, const std::vector<int>& faceIds, int begin,
+                         int end) {
+  for (int i = begin; i < end; ++i) {
+    if (handle_.itf_xvk_loadFaceFeature(const_cast<float*>(features.row(i)), faceIds[i]) != 1) {
+      throw ToolError("the library refused feature " + std::to_string(i));
+    }
+  }
+}
+
+void EngineSession::run(const std::vector<ClusterRecord>& existing) {
+  ExchangeList list(existing);
+  if (handle_.itf_xvk_runClustering(list.get()) != 1) {
+    throw ToolError("the library rejected the existing clusters");
+  }
+}
+
+std::vector<ClusterRecord> EngineSession::clusters() {
+  itf_xvk_clusterinfo list{0, nullptr};
+  const int count = handle_.itf_xvk_getClusterInfo(&list);
+  std::vector<ClusterRecord> records;
+  for (int i = 0; i < count; ++i) {
+    const itf_xvk_clusteritem& item = list.items[i];
+    ClusterRecord record;
+    record.id = item.clusterId;
+    record.faceIds.assign(item.faceIds, item.faceIds + item.faceCount);
+    record.repFaceId = item.repFaceId;
+    if (item.feature != nullptr) record.feature.assign(item.feature, item.feature + item.featureDim);
+    records.push_back(std::move(record));
+  }
+  handle_.itf_xvk_releaseClusterInfo(&list);
+  return records;
+}
+
+int EngineSession::compare(const float* a, const float* b) {
+  return handle_.itf_xvk_compareFeature(const_cast<float*>(a), const_cast<float*>(b));
+}
+
+std::vector<float> EngineSession::representative(const FeatureMatrix& features) {
+  float* feature = handle_.itf_xvk_getClusterFeature(const_cast<float*>(features.values.data()),
+                                                     features.rows());
+  if (feature == nullptr) throw ToolError("the library found no representative feature");
+  std::vector<float> result(feature, feature + kFeatureDim);
+  std::free(feature);
+  return result;
+}
+
+int EngineSession::recommend(const std::vector<ClusterRecord>& clusters, const float* feature) {
+  ExchangeList list(clusters);
+  return handle_.itf_xvk_recommendCluster(list.get(), const_cast<float*>(feature), 0);
+}
+
+std::vector<float> EngineSession::extract(std::vector<unsigned char>& image, int width, int height,
+                                          const itf_xvk_faceroi& roi) {
+  const float* feature = handle_.itf_xvk_extractFeature(
+      image.data(), static_cast<int>(image.size()), width, height, roi);
+  if (feature == nullptr) return {};
+  return std::vector<float>(feature, feature + kFeatureDim);
+}
+
+}  // namespace tool

@@ -1,0 +1,53 @@
+// Feature, face id and label files: what the subcommands read and write.
+//
+// Features are rows of 960 float32 values, in one of two layouts chosen by
+// the file name: "*.npy" is a NumPy array of dtype <f4 and shape (N, 960)
+// (or (960,) for one feature); any other name is raw little-endian float32,
+// N * 960 values with nothing else in the file.
+// Integer lists (face ids, identity labels) are "*.npy" arrays of dtype <i4
+// or <i8 and shape (N,), or text files of whitespace-separated integers.
+#ifndef XVKFC_TOOLS_FEATURE_FILE_H_
+#define XVKFC_TOOLS_FEATURE_FILE_H_
+
+#include <string>
+#include <vector>
+
+namespace tool {
+
+// Floats in one feature; what itf_xvk_getDim reports.
+inline constexpr int kFeatureDim = 960;
+
+// N features of kFeatureDim floats, row-major.
+struct FeatureMatrix {
+  std::vector<float> values;
+
+  int rows() const { return static_cast<int>(values.size() / kFeatureDim); }
+  const float* row(int i) const { return values.data() + static_cast<size_t>(i) * kFeatureDim; }
+  float* row(int i) { return values.data() + static_cast<size_t>(i) * kFeatureDim; }
+  void appendRow(const float* feature) { values.insert(values.end(), feature, feature + kFeatureDim); }
+};
+
+// Reads a feature file (layout by name, see above). Throws ToolError naming
+// the file when it is missing, empty, of another dtype or shape, truncated,
+// or holds a value that is not finite.
+FeatureMatrix readFeatures(const std::string& path);
+
+// The file bytes of `features` in the layout that `path` names.
+std::string encodeFeatures(const std::string& path, const FeatureMatrix& features);
+
+// Writes `features` to `path` without ever leaving a partial file.
+void writeFeatures(const std::string& path, const FeatureMatrix& features);
+
+// Reads an integer list. `what` names the list in messages ("face ids").
+// Throws ToolError for a missing file, a word that is not an integer, a
+// value outside the int range, or a .npy file of another dtype or shape.
+std::vector<int> readIntList(const std::string& path, const std::string& what);
+
+// Face ids for `rows` features: the list in `path`, or 0..rows-1 when `path`
+// is empty. Throws ToolError when the list does not have `rows` entries or
+// names a face twice.
+std::vector<int> readFaceIds(const std::string& path, int rows);
+
+}  // namespace tool
+
+#endif  // XVKFC_TOOLS_FEATURE_FILE_H_

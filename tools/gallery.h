@@ -1,0 +1,43 @@
+// A synthetic gallery of face features with known identities, made from a
+// fixed seed so that every run and every platform sees the same faces.
+#ifndef XVKFC_TOOLS_GALLERY_H_
+#define XVKFC_TOOLS_GALLERY_H_
+
+#include <cstdint>
+#include <vector>
+
+#include "tools/feature_file.h"
+
+namespace tool {
+
+struct GalleryOptions {
+  uint32_t seed = 1234;
+  int people = 24;        // identities with several faces each
+  int minFaces = 4;       // faces per person, inclusive range
+  int maxFaces = 16;
+  int lookAlikes = 3;     // people made to resemble the person before them
+  int loneFaces = 10;     // identities with exactly one face
+  int duplicates = 6;     // exact copies of earlier faces under new face ids
+};
+
+// Faces in shuffled order, the order a photo library would deliver them.
+struct Gallery {
+  FeatureMatrix features;
+  std::vector<int> faceIds;     // 0..N-1 in row order
+  std::vector<int> identities;  // identity of each row: people first, then lone faces
+};
+
+// Builds the gallery. A person is a random unit direction in the 960-float
+// space; each of their faces is that direction plus noise of a per-person
+// strength, scaled to unit length, so faces of one person have cosine
+// similarities of about 0.75 to 0.9 and faces of different people about 0.
+// Look-alikes share part of their direction with another person. Random
+// numbers come from std::mt19937 raw output and plain arithmetic only (no
+// library distributions or transcendental functions), so the features are
+// bit-identical with every standard library.
+// REQUIRES: people >= 1, 1 <= minFaces <= maxFaces, other counts >= 0.
+Gallery makeGallery(const GalleryOptions& options);
+
+}  // namespace tool
+
+#endif  // XVKFC_TOOLS_GALLERY_H_

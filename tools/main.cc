@@ -1,0 +1,48 @@
+// xvkfc: clusters face features end to end through the library's public
+// interface, batch after batch, with quality measures and an HTML report.
+#include <cstdio>
+#include <vector>
+
+#include "tools/commands.h"
+#include "tools/library_log.h"
+#include "tools/tool_error.h"
+
+int main(int argc, char** argv) {
+  CLI::App app{
+      "xvkfc: cluster face features with libxvkfcEngineTAVO, the way a photo application "
+      "does.\nStart with 'xvkfc demo', or 'xvkfc SUBCOMMAND --help' for one subcommand."};
+  app.require_subcommand(1);
+  app.fallthrough();
+  tool::GlobalOptions global;
+  app.add_flag("-q,--quiet", global.quiet, "Print no progress on standard error");
+  app.add_flag("-v,--verbose", global.verbose, "Show the library's own log lines on standard error");
+  app.add_option("--models", global.models,
+                 "Folder of the closed libraries' model files (on a workstation their stand-ins "
+                 "accept any readable folder)")
+      ->capture_default_str();
+
+  const std::vector<tool::Command> commands = {
+      tool::addClusterCommand(app, global),   tool::addRepresentativeCommand(app, global),
+      tool::addRecommendCommand(app, global), tool::addCompareCommand(app, global),
+      tool::addExtractCommand(app, global),   tool::addDemoCommand(app, global),
+  };
+
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& e) {
+    return app.exit(e) == 0 ? tool::kExitOk : tool::kExitUsage;
+  }
+  tool::routeLibraryLog(global.verbose);
+  try {
+    for (const tool::Command& command : commands) {
+      if (command.subcommand->parsed()) return command.run();
+    }
+  } catch (const tool::ToolError& e) {
+    std::fprintf(stderr, "xvkfc: error: %s\n", e.what());
+    return tool::kExitBadInput;
+  } catch (const std::exception& e) {
+    std::fprintf(stderr, "xvkfc: error: %s\n", e.what());
+    return tool::kExitBadInput;
+  }
+  return tool::kExitUsage;
+}

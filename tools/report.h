@@ -1,0 +1,39 @@
+// The HTML report: one self-contained page (pictures inlined as PNG data
+// URIs, no scripts, no network) that a browser opens from disk.
+#ifndef XVKFC_TOOLS_REPORT_H_
+#define XVKFC_TOOLS_REPORT_H_
+
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tools/cluster_json.h"
+#include "tools/quality.h"
+#include "tools/run_summary.h"
+#include "tools/similarity_view.h"
+
+namespace tool {
+
+struct ReportData {
+  std::string title;      // "xvkfc demo", "xvkfc cluster features.npy"
+  std::string input;      // one sentence on where the faces came from
+  std::vector<ClusterRecord> clusters;  // the final clusters
+  std::map<int, int> identities;        // face id -> identity; empty when unknown
+  std::optional<Quality> quality;       // final quality, when identities are known
+  std::vector<RunSummary> batches;
+  SimilarityView view;
+};
+
+// The page for `data`.
+std::string renderReport(const ReportData& data);
+
+// Writes the page without ever leaving a partial file.
+void writeReport(const std::string& path, const ReportData& data);
+
+// `text` with &, <, >, " and ' replaced by character references.
+std::string escapeHtml(const std::string& text);
+
+}  // namespace tool
+
+#endif  // XVKFC_TOOLS_REPORT_H_

@@ -1,0 +1,45 @@
+// The faces and similarities that the report's heat map shows.
+#ifndef XVKFC_TOOLS_SIMILARITY_VIEW_H_
+#define XVKFC_TOOLS_SIMILARITY_VIEW_H_
+
+#include <vector>
+
+#include "tools/cluster_json.h"
+#include "tools/engine_session.h"
+#include "tools/feature_file.h"
+#include "tools/progress.h"
+
+namespace tool {
+
+// Faces laid out by cluster: the members of each real cluster in turn (in
+// list order), then the unclustered faces, then faces that no cluster lists.
+struct ClusterOrder {
+  std::vector<int> rows;    // rows of the feature matrix, in display order
+  std::vector<int> blocks;  // sizes of the consecutive real-cluster runs
+};
+
+// Lays out rows 0..faceIds.size()-1 by the clusters that list their face
+// ids. A face listed by two clusters is shown with the first. When there are
+// more than `maxFaces` rows, every k-th row of the layout is kept (k the
+// smallest step that leaves at most `maxFaces`) and the blocks shrink to
+// match. REQUIRES: maxFaces > 0.
+ClusterOrder orderByCluster(const std::vector<ClusterRecord>& clusters,
+                            const std::vector<int>& faceIds, int maxFaces);
+
+struct SimilarityView {
+  ClusterOrder order;
+  std::vector<int> faceIds;       // face id of each shown face
+  std::vector<int> similarities;  // n x n itf_xvk_compareFeature scores, row-major
+  int facesWithFeatures = 0;      // faces before thinning out
+};
+
+// Orders the faces by cluster and scores every shown pair with the
+// library's comparison (each unordered pair once; the diagonal too).
+SimilarityView buildSimilarityView(EngineSession& session, const FeatureMatrix& features,
+                                   const std::vector<int>& faceIds,
+                                   const std::vector<ClusterRecord>& clusters, int maxFaces,
+                                   Progress& progress);
+
+}  // namespace tool
+
+#endif  // XVKFC_TOOLS_SIMILARITY_VIEW_H_

@@ -1,0 +1,25 @@
+// The one kind of failure the program reports to its user.
+#ifndef XVKFC_TOOLS_TOOL_ERROR_H_
+#define XVKFC_TOOLS_TOOL_ERROR_H_
+
+#include <stdexcept>
+#include <string>
+
+namespace tool {
+
+// A problem with the user's input or with a library call, worded for the
+// user: main prints what() as one line on standard error and exits with
+// kExitBadInput. Messages name the file first ("features.npy: ...").
+class ToolError : public std::runtime_error {
+ public:
+  explicit ToolError(const std::string& message) : std::runtime_error(message) {}
+};
+
+// Exit codes of the program.
+inline constexpr int kExitOk = 0;
+inline constexpr int kExitBadInput = 1;  // bad input file or failed operation
+inline constexpr int kExitUsage = 2;     // bad command line
+
+}  // namespace tool
+
+#endif  // XVKFC_TOOLS_TOOL_ERROR_H_
