@@ -61,7 +61,8 @@ class XVKFC_EXPORT FaceClusteringSystem {
   // --- Clustering run ---------------------------------------------------------
 
   // One clustering run over the loaded faces, merged with `existing`; then
-  // the loaded faces are cleared.
+  // the loaded faces are cleared. With no loaded faces the cluster map is
+  // kept as it is and `existing` is not merged.
   void clusteringFace(std::vector<clusterinfo> existing);
   // Split-and-merge cycles, outlier pruning and the rebuild of `clusters`.
   // The Mat<int> is not read.
@@ -72,6 +73,8 @@ class XVKFC_EXPORT FaceClusteringSystem {
   // Joins clusters until a pass joins nothing, then renumbers.
   void MergeClusters(Vec<int>& labels, bool dropSingletons);
   // Merges the run's clusters with the application's clusters.
+  // REQUIRES: every id in `existing` is -1 or more, and every cluster with an
+  // id of 0 or more has a feature of 960 floats (the facade checks both).
   void mergeInitialCluster(std::vector<clusterinfo> existing);
 
   // --- Spectral path ------------------------------------------------------------
@@ -86,7 +89,11 @@ class XVKFC_EXPORT FaceClusteringSystem {
   // feature and repFaceId from the medoid of those faces.
   void getClusterFeature(Cluster& cluster, Vec<int> indices);
   // Representative (medoid) feature of `count` features of 960 floats, loaded
-  // as faces with the given ids; writes the chosen id to *repFaceId.
+  // as faces with the given ids; writes the chosen id to *repFaceId. The
+  // loaded faces are discarded first, and for count >= 2 these features stay
+  // loaded afterwards. Empty for null features or count <= 0; count 1
+  // returns the feature without loading it or writing *repFaceId.
+  // REQUIRES: ids has at least `count` entries.
   Vec<float> getClusterFeature(float* features, int count, Vec<int> ids, int* repFaceId);
   // The same with ids 0 .. count-1.
   Vec<float> getClusterFeature(float* features, int count);

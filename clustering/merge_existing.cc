@@ -32,12 +32,120 @@ bool contains(const std::vector<int>& list, int value) {
   return std::find(list.begin(), list.end(), value) != list.end();
 }
 
+// The run's outliers (face rows) join every application cluster whose
+// feature they match, when there are application clusters; those that joined
+// nothing go to the bucket -1, unless the length test below leaves them out.
+// False when memory ran out (logged).
+bool placeOutliers(FaceClusteringSystem& engine, ClusterMap& merged, const Vec<int>& outliers,
+                   bool offerToApplication) {
+  // A face counts once in `matched` for every cluster it joins.
+  std::vector<int> matched;
+  if (offerToApplication &&
+      !detail::runOrLogAllocFailure("malloc fail!!!(add survive in mergeInitialCluster", [&] {
+        float faceFeature[detail::kFeatureDim];
+        for (int f : outliers) {
+          std::memcpy(faceFeature, engine.featureMats[0][f].data(), sizeof(faceFeature));
+          for (auto& candidate : merged) {
+            Cluster& cluster = candidate.second;
+            if (candidate.first == -1 || !hasFeature(cluster)) continue;
+            if (mappedSimilarity(engine.recognizer, faceFeature, cluster.feature.data()) >=
+                detail::kOutlierJoinSimilarity) {
+              cluster.members.push_back(engine.faces[f].faceId);
+              matched.push_back(f);
+            }
+          }
+        }
+      })) {
+    return false;
+  }
+  // Lengths only: faces that joined several clusters can make `matched` as
+  // long as the outlier list and so leave unmatched faces out entirely.
+  if (outliers.size() <= matched.size()) return true;
+  return detail::runOrLogAllocFailure("malloc fail!!!(merge outlier in mergeInitialCluster", [&] {
+    Cluster& bucket = merged[-1];
+    bucket.id = -1;
+    for (int f : outliers) {
+      if (!contains(matched, f)) bucket.members.push_back(engine.faces[f].faceId);
+    }
+  });
+}
+
+// One ordered pass over the pairs of clusters other than the bucket: a
+// close pair takes the lower of the two ids as they stand, so a lowered id
+// travels on to later pairs. Deliberately not a transitive union.
+void linkCloseClusters(void* recognizer, ClusterMap& merged) {
+  for (auto a = merged.begin(); a != merged.end(); ++a) {
+    if (a->first == -1 || !hasFeature(a->second)) continue;
+    for (auto b = std::next(a); b != merged.end(); ++b) {
+      if (b->first == -1 || !hasFeature(b->second)) continue;
+      if (mappedSimilarity(recognizer, a->second.feature.data(), b->second.feature.data()) >=
+          detail::kClusterLinkSimilarity) {
+        if (a->second.id < b->second.id) {
+          b->second.id = a->second.id;
+        } else {
+          a->second.id = b->second.id;
+        }
+      }
+    }
+  }
+}
+
+// Unites the entries whose id is `t` into the first of them in key order,
+// which keeps the members of all, in order, and for t >= 0 with two or more
+// entries the medoid of their features. Returns that survivor, or null when
+// memory ran out (logged).
+Cluster* uniteGroup(FaceClusteringSystem& engine, ClusterMap& merged, int t) {
+  Cluster* survivor = nullptr;
+  int count = 0;
+  if (!detail::runOrLogAllocFailure("malloc fail!!!(merge members in mergeInitialCluster", [&] {
+        for (auto& entry : merged) {
+          Cluster& cluster = entry.second;
+          if (cluster.id != t) continue;
+          ++count;
+          if (survivor == nullptr) {
+            survivor = &cluster;
+          } else {
+            survivor->members.insert(survivor->members.end(), cluster.members.begin(),
+                                     cluster.members.end());
+          }
+        }
+      })) {
+    return nullptr;
+  }
+  if (t < 0 || count < 2) return survivor;
+
+  std::vector<float> groupFeatures;
+  if (!detail::runOrLogAllocFailure("malloc fail!!!(update cFeature in mergeCluster)", [&] {
+        groupFeatures.resize(static_cast<std::size_t>(count) * detail::kFeatureDim);
+      })) {
+    return nullptr;
+  }
+  Vec<int> repFaceIds;
+  float* slot = groupFeatures.data();
+  if (!detail::runOrLogAllocFailure("malloc fail!!!(update cFeature2 in mergeInitialCluster", [&] {
+        for (const auto& entry : merged) {
+          const Cluster& cluster = entry.second;
+          if (cluster.id != t) continue;
+          std::memcpy(slot, cluster.feature.data(), detail::kFeatureDim * sizeof(float));
+          slot += detail::kFeatureDim;
+          repFaceIds.push_back(cluster.repFaceId);
+        }
+      })) {
+    return nullptr;
+  }
+  int repFaceId = 0;
+  survivor->feature =
+      engine.getClusterFeature(groupFeatures.data(), count, std::move(repFaceIds), &repFaceId);
+  survivor->repFaceId = repFaceId;
+  return survivor;
+}
+
 }  // namespace
 
 void FaceClusteringSystem::mergeInitialCluster(std::vector<clusterinfo> existing) {
   if (clusters.empty()) return;
 
-  // Step 1: the application's clusters, as they are.
+  // The application's clusters, as they are; a later duplicate id wins.
   ClusterMap merged;
   int maxId = -1;
   for (const clusterinfo& e : existing) {
@@ -60,8 +168,8 @@ void FaceClusteringSystem::mergeInitialCluster(std::vector<clusterinfo> existing
     merged[e.id] = cl;
   }
 
-  // Step 2: the run's clusters, numbered after the application's, and the
-  // run's outliers offered to every application cluster.
+  // The run's clusters, numbered after the application's in key order, and
+  // the run's outliers (key -1, which comes first).
   int lastId = maxId;
   for (const auto& entry : clusters) {
     const int key = entry.first;
@@ -76,49 +184,13 @@ void FaceClusteringSystem::mergeInitialCluster(std::vector<clusterinfo> existing
       continue;
     }
 
-    // A face counts once in `matched` for every cluster it joins.
-    std::vector<int> matched;
-    if (!existing.empty()) {
-      const bool joined =
-          detail::runOrLogAllocFailure("malloc fail!!!(add survive in mergeInitialCluster", [&] {
-            float faceFeature[detail::kFeatureDim];
-            for (int f : faceIndices) {
-              std::memcpy(faceFeature, featureMats[0][f].data(), sizeof(faceFeature));
-              for (auto& candidate : merged) {
-                Cluster& cluster = candidate.second;
-                if (candidate.first == -1 || !hasFeature(cluster)) continue;
-                if (mappedSimilarity(recognizer, faceFeature, cluster.feature.data()) >=
-                    detail::kOutlierJoinSimilarity) {
-                  cluster.members.push_back(faces[f].faceId);
-                  matched.push_back(f);
-                }
-              }
-            }
-          });
-      if (!joined) {
-        clusters = merged;
-        return;
-      }
-    }
-    // Lengths only: faces that joined several clusters can make `matched` as
-    // long as the outlier list and so leave unmatched faces out entirely.
-    if (faceIndices.size() > matched.size()) {
-      const bool moved =
-          detail::runOrLogAllocFailure("malloc fail!!!(merge outlier in mergeInitialCluster", [&] {
-            Cluster& bucket = merged[-1];
-            bucket.id = -1;
-            for (int f : faceIndices) {
-              if (!contains(matched, f)) bucket.members.push_back(faces[f].faceId);
-            }
-          });
-      if (!moved) {
-        clusters = merged;
-        return;
-      }
+    if (!placeOutliers(*this, merged, faceIndices, !existing.empty())) {
+      clusters = merged;
+      return;
     }
   }
 
-  // Step 3: the count is taken before groups are united below.
+  // The count is taken before groups are united below, and stays.
   clusterCount = static_cast<int>(merged.size());
   clusters.clear();
   if (existing.empty()) {
@@ -126,22 +198,10 @@ void FaceClusteringSystem::mergeInitialCluster(std::vector<clusterinfo> existing
     return;
   }
 
-  // Step 4: link close clusters in one ordered pass, then unite each group.
+  // Link close clusters, then unite each group into one cluster, numbered
+  // 0, 1, 2, ... in id order; any failure restores the unlinked clusters.
   const ClusterMap snapshot = merged;
-  for (auto a = merged.begin(); a != merged.end(); ++a) {
-    if (a->first == -1 || !hasFeature(a->second)) continue;
-    for (auto b = std::next(a); b != merged.end(); ++b) {
-      if (b->first == -1 || !hasFeature(b->second)) continue;
-      if (mappedSimilarity(recognizer, a->second.feature.data(), b->second.feature.data()) >=
-          detail::kClusterLinkSimilarity) {
-        if (a->second.id < b->second.id) {
-          b->second.id = a->second.id;
-        } else {
-          a->second.id = b->second.id;
-        }
-      }
-    }
-  }
+  linkCloseClusters(recognizer, merged);
 
   // One flag per id from -1 to lastId.
   std::vector<char> used;
@@ -160,59 +220,11 @@ void FaceClusteringSystem::mergeInitialCluster(std::vector<clusterinfo> existing
   for (int t = -1; t <= lastId; ++t) {
     if (!used[t + 1]) continue;
 
-    // The group of t in ascending key order; the first entry survives.
-    Cluster* survivor = nullptr;
-    int count = 0;
-    const bool membersMerged =
-        detail::runOrLogAllocFailure("malloc fail!!!(merge members in mergeInitialCluster", [&] {
-          for (auto& entry : merged) {
-            Cluster& cluster = entry.second;
-            if (cluster.id != t) continue;
-            ++count;
-            if (survivor == nullptr) {
-              survivor = &cluster;
-            } else {
-              survivor->members.insert(survivor->members.end(), cluster.members.begin(),
-                                       cluster.members.end());
-            }
-          }
-        });
-    if (!membersMerged) {
+    Cluster* survivor = uniteGroup(*this, merged, t);
+    if (survivor == nullptr) {
       clusters = snapshot;
       return;
     }
-
-    if (t >= 0 && count >= 2) {
-      std::vector<float> groupFeatures;
-      if (!detail::runOrLogAllocFailure("malloc fail!!!(update cFeature in mergeCluster)", [&] {
-            groupFeatures.resize(static_cast<std::size_t>(count) * detail::kFeatureDim);
-          })) {
-        clusters = snapshot;
-        return;
-      }
-      Vec<int> repFaceIds;
-      int slot = 0;
-      const bool idsCollected = detail::runOrLogAllocFailure(
-          "malloc fail!!!(update cFeature2 in mergeInitialCluster", [&] {
-            for (const auto& entry : merged) {
-              const Cluster& cluster = entry.second;
-              if (cluster.id != t) continue;
-              std::memcpy(&groupFeatures[static_cast<std::size_t>(slot) * detail::kFeatureDim],
-                          cluster.feature.data(), detail::kFeatureDim * sizeof(float));
-              ++slot;
-              repFaceIds.push_back(cluster.repFaceId);
-            }
-          });
-      if (!idsCollected) {
-        clusters = snapshot;
-        return;
-      }
-      int repFaceId = 0;
-      survivor->feature =
-          getClusterFeature(groupFeatures.data(), count, std::move(repFaceIds), &repFaceId);
-      survivor->repFaceId = repFaceId;
-    }
-
     if (t == -1) {
       Cluster& bucket = clusters[-1];
       bucket = *survivor;

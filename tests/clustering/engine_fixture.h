@@ -17,29 +17,32 @@ class EngineTest : public testing::Test {
  protected:
   void SetUp() override { ASSERT_EQ(engine.init(&comparator), 1); }
 
-  static int FaceId(int tag) { return 100 + tag; }
   static std::vector<float> Feature(int tag) { return testing_support::taggedFeature(tag); }
-  // Mapped similarity of the two tagged features; exact from 0.25 up.
+  // The tagged features one after another.
+  static std::vector<float> Features(const std::vector<int>& tags) {
+    std::vector<float> all;
+    for (int tag : tags) {
+      const std::vector<float> one = Feature(tag);
+      all.insert(all.end(), one.begin(), one.end());
+    }
+    return all;
+  }
+  // Similarity of two tagged features in the kernel; exact from 0.25 up.
   static void Similar(int tagA, int tagB, float similarity) {
     testing_support::scripted().setScore(Feature(tagA), Feature(tagB), 2.0f * similarity - 1.0f);
   }
   void Load(const std::vector<int>& tags) {
-    for (int tag : tags) engine.loadFeatureVector(Feature(tag).data(), FaceId(tag));
+    for (int tag : tags) engine.loadFeatureVector(Feature(tag).data(), 100 + tag);
     Mat<int> unused;
     engine.updateKernelwithFeatureMatching(engine.featureMats, unused);
   }
-  // A cluster of the run as refinement leaves it: face indices under `key`.
+  // A cluster as refinement leaves it: face rows under `key`.
   void RunCluster(int key, const std::vector<int>& rows) {
     engine.clusters[key].id = key;
     engine.clusters[key].members = rows;
   }
   static clusterinfo App(int id, const std::vector<int>& faceIds, int featureTag = 0) {
-    clusterinfo info;
-    info.id = id;
-    info.faceIds = faceIds;
-    if (id >= 0) info.feature = Feature(featureTag);
-    info.repFaceId = faceIds.empty() ? 0 : faceIds[0];
-    return info;
+    return {id, faceIds, id >= 0 ? Feature(featureTag) : std::vector<float>(), 0};
   }
   std::vector<int> Members(int key) const { return engine.clusters.at(key).members; }
   std::vector<int> Keys() const {
