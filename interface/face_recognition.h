@@ -87,31 +87,68 @@ class XVKFC_EXPORT FaceRecognition {
 
   // --- Clustering -----------------------------------------------------------------
 
-  // Queues one face for the next clustering run (copies 960 floats).
-  // Returns 1; -1 for a null feature.
+  // Queues one face for the next clustering run: copies the 960 floats at
+  // `feature` under the application's `faceId` (ids should be unique; they
+  // are what the cluster lists report). Returns 1; -1 for a null feature
+  // (logs "feature == NULL").
+  // REQUIRES: feature points to 960 floats.
   int itf_xvk_loadFaceFeature(float* feature, int faceId);
 
-  // Clusters the queued faces together with the application's clusters in
-  // `list` (null for none), then forgets the queued faces. Returns 1; 0 when
-  // `list` is malformed (nothing changes).
+  // Clusters the queued faces, merges them into the application's clusters
+  // in `list` (null or count 0 for none), then forgets the queued faces. The
+  // application's clusters keep their faces; a queued face that matches one
+  // of their features joins it (possibly several), the rest form new
+  // clusters or go to the bucket of unclustered faces, and clusters with
+  // close features are united. The result, read with itf_xvk_getClusterInfo,
+  // is numbered 0, 1, 2, ... plus the bucket -1.
+  // With no queued faces nothing is clustered: `list` is not merged and the
+  // previous result stays as it was.
+  // Returns 1. Returns 0, logs which element is wrong, and changes nothing
+  // (the queued faces stay queued) when `list` is malformed: a negative
+  // count; null items for a positive count; an element with a clusterId
+  // below -1, a negative faceCount, null faceIds for a positive faceCount, or
+  // (clusterId 0 or more) a featureDim other than 960 or a null feature. The
+  // feature of an element with clusterId -1 is not read. `list` is only read.
   int itf_xvk_runClustering(itf_xvk_clusterinfo* list);
 
-  // Writes the clusters of the last run into `list` (malloc'd arrays; give
-  // them back with itf_xvk_releaseClusterInfo) and returns their number. With
-  // no clusters, count is set to 0 and items is left as it was.
+  // Writes the result of the last run into `list` and returns the number of
+  // clusters, in ascending clusterId order (the bucket -1 first). Every
+  // element gets a malloc'd faceIds array (also for 0 ids); an element with
+  // a clusterId of 0 or more gets a malloc'd copy of its 960-float feature
+  // and its repFaceId, the bucket -1 gets featureDim 0, feature null and
+  // repFaceId -1. Give the arrays back with itf_xvk_releaseClusterInfo.
+  // Before any run the result is the empty bucket: 1 element, 0 face ids.
+  // With no clusters, count is set to 0 and items is left as it was. Returns
+  // 0 without touching anything for a null `list`, and 0 with count set to 0
+  // when malloc fails (logged; nothing is left allocated).
   int itf_xvk_getClusterInfo(itf_xvk_clusterinfo* list);
 
-  // Representative (medoid) feature of `count` consecutive features: a
-  // malloc'd copy of 960 floats, freed by the caller with free(); null for
-  // invalid input. Replaces the queued faces.
+  // Representative (medoid) feature of `count` consecutive 960-float
+  // features at `features`: a malloc'd copy of the one feature most similar
+  // on average to the others (ties to the earliest in ascending float
+  // order), freed by the caller with free(). Returns null for a null
+  // `features` or a count of 0 or less (nothing changes then).
+  // Side effect otherwise: the queued faces are discarded, and for a count
+  // of 2 or more the given features become the queued faces (ids 0 ..
+  // count-1) that the next itf_xvk_runClustering clusters. A count of 1
+  // returns a copy of the input without queuing it.
   float* itf_xvk_getClusterFeature(float* features, int count);
 
-  // The id of the application cluster in `list` that best fits `feature`
-  // (score 921..1023), or -1. The last argument is not used.
+  // The clusterId of the element of `list` whose feature best fits
+  // `feature`, scored 921..1023 (a comparator score above 0.8); -1 when none
+  // scores that high. Elements with a negative clusterId are skipped; an
+  // element with clusterId 0 or more whose feature is null or whose
+  // featureDim is not 960 makes the result -1. Ties go to the earlier
+  // element. Returns -1 for a null `list`, items or `feature` and for a count
+  // below 1. The last argument is not used. `list` is only read.
   int itf_xvk_recommendCluster(itf_xvk_clusterinfo* list, float* feature, int count);
 
-  // Frees the arrays that itf_xvk_getClusterInfo put into `list` and sets
-  // its count to 0 and items to null.
+  // Frees the faceIds and feature arrays of every element and the items
+  // array that itf_xvk_getClusterInfo put into `list`, then sets count to 0
+  // and items to null. Does nothing for a null `list` or a count below 1 (an
+  // items array with count 0 is not freed).
+  // REQUIRES: the arrays of `list` came from itf_xvk_getClusterInfo (or
+  // malloc).
   void itf_xvk_releaseClusterInfo(itf_xvk_clusterinfo* list);
 };
 

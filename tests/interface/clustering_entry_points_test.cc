@@ -1,0 +1,247 @@
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <functional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "clustering/face_clustering_system.h"
+#include "interface/face_recognition.h"
+#include "support/alloc_failure.h"
+#include "support/log_capture.h"
+#include "support/scripted_closed_libs.h"
+#include "support/similarities.h"
+
+namespace {
+
+using testing_support::LogCapture;
+using testing_support::scripted;
+using testing_support::taggedFeature;
+using Ids = std::vector<int>;
+
+// Application cycles. A face's tag is its face id; tags with the same tens
+// digit are one person (similarity 0.95), other pairs have similarity 0.3.
+class ClusteringCycle : public testing::Test {
+ protected:
+  void SetUp() override {
+    ASSERT_EQ(handle.itf_xvk_Init("/models"), 960);
+    scripted().fallback = [](const float* a, const float* b) {
+      return static_cast<int>(a[0]) / 10 == static_cast<int>(b[0]) / 10 ? 0.9f : -0.4f;
+    };
+  }
+  void TearDown() override {
+    handle.itf_xvk_releaseClusterInfo(&result);
+    handle.itf_xvk_Release();
+  }
+
+  void Load(const Ids& tags) {
+    for (int tag : tags)
+      ASSERT_EQ(handle.itf_xvk_loadFaceFeature(taggedFeature(tag).data(), tag), 1);
+  }
+  // Runs with `existing` (null for none) and reads the result into `result`.
+  int Run(itf_xvk_clusterinfo* existing) {
+    const int status = handle.itf_xvk_runClustering(existing);
+    Read();
+    return status;
+  }
+  void Read() {
+    handle.itf_xvk_releaseClusterInfo(&result);
+    handle.itf_xvk_getClusterInfo(&result);
+  }
+  Ids ClusterIds() const {
+    Ids ids;
+    for (int i = 0; i < result.count; ++i) ids.push_back(result.items[i].clusterId);
+    return ids;
+  }
+  // Makes each allocation of `body` fail in turn, with `prepare` before
+  // each, and hands `check` the last line logged. Returns every line logged.
+  std::set<std::string> FailEachAllocation(const std::function<void()>& prepare,
+                                           const std::function<void()>& body,
+                                           const std::function<void(const std::string&)>& check) {
+    prepare();
+    const long allocations = alloc_failure::countAllocations(body);
+    std::set<std::string> seen;
+    for (long k = 1; k <= allocations; ++k) {
+      prepare();
+      LogCapture log;
+      alloc_failure::failNth(k);
+      body();
+      alloc_failure::disarm();
+      for (const auto& line : log.lines) seen.insert(line.message);
+      check(log.lines.empty() ? std::string() : log.lines.back().message);
+    }
+    return seen;
+  }
+  Ids MembersOf(int clusterId) const {
+    for (int i = 0; i < result.count; ++i) {
+      const itf_xvk_clusteritem& item = result.items[i];
+      if (item.clusterId == clusterId) return Ids(item.faceIds, item.faceIds + item.faceCount);
+    }
+    return {};
+  }
+
+  FaceRecognition handle;
+  itf_xvk_clusterinfo result = {0, nullptr};
+};
+
+TEST_F(ClusteringCycle, SecondBatchJoinsTheApplicationsClusters) {
+  Load({10, 11, 12, 20, 21, 30});
+  ASSERT_EQ(Run(nullptr), 1);
+  ASSERT_EQ(ClusterIds(), (Ids{-1, 0, 1}));
+  EXPECT_EQ(MembersOf(-1), Ids{30});
+  EXPECT_EQ(result.items[0].feature, nullptr);  // the bucket has no representative
+  EXPECT_EQ(result.items[0].repFaceId, -1);
+  EXPECT_EQ(MembersOf(0), (Ids{10, 11, 12}));
+  EXPECT_EQ(MembersOf(1), (Ids{20, 21}));
+  for (int i : {1, 2}) {
+    const itf_xvk_clusteritem& item = result.items[i];
+    ASSERT_EQ(item.featureDim, 960);
+    EXPECT_EQ(std::vector<float>(item.feature, item.feature + 960), taggedFeature(item.repFaceId));
+  }
+
+  // The application keeps its own ids (person 1 as 9, person 2 as 4); the
+  // result is renumbered in id order, new clusters last.
+  result.items[1].clusterId = 9;
+  result.items[2].clusterId = 4;
+  itf_xvk_clusterinfo previous = result;
+  result = {0, nullptr};
+  Load({13, 40, 41, 50});
+  ASSERT_EQ(Run(&previous), 1);
+  handle.itf_xvk_releaseClusterInfo(&previous);
+  EXPECT_EQ(ClusterIds(), (Ids{-1, 0, 1, 2}));
+  EXPECT_EQ(MembersOf(0), (Ids{20, 21}));
+  EXPECT_EQ(MembersOf(1), (Ids{10, 11, 12, 13}));
+  EXPECT_EQ(MembersOf(2), (Ids{40, 41}));
+  EXPECT_EQ(MembersOf(-1), (Ids{30, 50}));
+
+  // A run without new faces neither clusters nor merges: the result stays.
+  std::vector<float> feature = taggedFeature(70);
+  itf_xvk_clusteritem other = {42, 0, nullptr, 960, feature.data(), 0};
+  itf_xvk_clusterinfo list = {1, &other};
+  ASSERT_EQ(Run(&list), 1);
+  EXPECT_EQ(ClusterIds(), (Ids{-1, 0, 1, 2}));
+}
+
+TEST_F(ClusteringCycle, MalformedListsAreRejectedAndChangeNothing) {
+  Load({10, 11});
+  ASSERT_EQ(Run(nullptr), 1);
+  Load({20, 21});
+  std::vector<float> feature = taggedFeature(10);
+  int faceIds[] = {10, 11};
+  const itf_xvk_clusteritem good = {0, 2, faceIds, 960, feature.data(), 10};
+  const std::vector<std::function<void(itf_xvk_clusterinfo&, itf_xvk_clusteritem&)>> breakers = {
+      [](auto& list, auto&) { list.count = -1; },
+      [](auto& list, auto&) { list.items = nullptr; },
+      [](auto&, auto& item) { item.clusterId = -2; },
+      [](auto&, auto& item) { item.faceCount = -1; },
+      [](auto&, auto& item) { item.faceIds = nullptr; },
+      [](auto&, auto& item) { item.featureDim = 959; },
+      [](auto&, auto& item) { item.feature = nullptr; }};
+  for (const auto& breakIt : breakers) {
+    itf_xvk_clusteritem item = good;
+    itf_xvk_clusterinfo list = {1, &item};
+    breakIt(list, item);
+    LogCapture log;
+    EXPECT_EQ(handle.itf_xvk_runClustering(&list), 0);
+    EXPECT_EQ(log.lines.size(), 1u);
+  }
+  EXPECT_EQ(handle.engine->faces.size(), 2u);  // still loaded
+  Read();
+  EXPECT_EQ(MembersOf(0), (Ids{10, 11}));  // still the previous result
+}
+
+TEST_F(ClusteringCycle, ReadingAndReleasingTheResult) {
+  handle.itf_xvk_getClusterInfo(&result);  // before any run: the empty bucket
+  ASSERT_EQ(result.count, 1);
+  EXPECT_NE(result.items[0].faceIds, nullptr);  // allocated even for 0 ids
+  EXPECT_EQ(handle.itf_xvk_getClusterInfo(nullptr), 0);
+
+  handle.engine->clusters.clear();
+  itf_xvk_clusteritem untouched;
+  itf_xvk_clusterinfo empty = {5, &untouched};
+  EXPECT_EQ(handle.itf_xvk_getClusterInfo(&empty), 0);
+  EXPECT_EQ(empty.count, 0);
+  EXPECT_EQ(empty.items, &untouched);
+  handle.itf_xvk_releaseClusterInfo(&empty);  // count 0: not freed
+  EXPECT_EQ(empty.items, &untouched);
+}
+
+TEST_F(ClusteringCycle, RecommendationSkipsTheBucketAndKeepsTheEarlierTie) {
+  std::vector<float> f10 = taggedFeature(10), f11 = taggedFeature(11), f20 = taggedFeature(20);
+  std::vector<float> query = taggedFeature(12), stranger = taggedFeature(30);
+  itf_xvk_clusteritem items[] = {{-1, 0, nullptr, 0, nullptr, 0},
+                                 {7, 0, nullptr, 960, f20.data(), 0},
+                                 {3, 0, nullptr, 960, f10.data(), 0},
+                                 {5, 0, nullptr, 960, f11.data(), 0}};
+  itf_xvk_clusterinfo list = {4, items};
+  EXPECT_EQ(handle.itf_xvk_recommendCluster(&list, query.data(), 99), 3);
+  EXPECT_EQ(handle.itf_xvk_recommendCluster(&list, stranger.data(), 0), -1);
+  items[3].featureDim = 959;
+  EXPECT_EQ(handle.itf_xvk_recommendCluster(&list, query.data(), 0), -1);
+  items[3].feature = nullptr;
+  EXPECT_EQ(handle.itf_xvk_recommendCluster(&list, query.data(), 0), -1);
+}
+
+TEST_F(ClusteringCycle, RunningOutOfMemoryIsLoggedAndNeverEscapes) {
+  // New faces: {13, 14, 15} become cluster 8 and link to 3, {60, 61} become
+  // 9, outlier 22 joins 7, outlier 50 joins the bucket.
+  std::vector<float> f10 = taggedFeature(10), f20 = taggedFeature(20);
+  int ids3[] = {1, 2}, ids7[] = {4}, idsBucket[] = {900};
+  itf_xvk_clusteritem items[] = {{3, 2, ids3, 960, f10.data(), 1},
+                                 {7, 1, ids7, 960, f20.data(), 4},
+                                 {-1, 1, idsBucket, 0, nullptr, 0}};
+  itf_xvk_clusterinfo existing = {3, items};
+  const std::set<std::string> restoring = {
+      "malloc fail!!!(cid assign in mergeCluster",
+      "malloc fail!!!(merge members in mergeInitialCluster",
+      "malloc fail!!!(update cFeature in mergeCluster)",
+      "malloc fail!!!(update cFeature2 in mergeInitialCluster"};
+  int status = 1;
+  std::set<std::string> seen = FailEachAllocation(
+      [&] {
+        handle.engine->init(handle.recognizer);
+        Load({13, 14, 15, 22, 50, 60, 61});
+      },
+      [&] { status = handle.itf_xvk_runClustering(&existing); },
+      [&](const std::string& last) {
+        Read();
+        if (status == 0) {
+          EXPECT_EQ(last.rfind("itf_xvk_runClustering failed", 0), 0u) << last;
+        }
+        if (restoring.count(last)) {  // the clusters before linking, not renumbered
+          EXPECT_EQ(ClusterIds(), (Ids{-1, 3, 7, 8, 9})) << last;
+        }
+        if (last == "malloc fail!!!(init labels in clusteringFace") {
+          EXPECT_EQ(handle.engine->faces.size(), 7u);  // the batch stays loaded
+          EXPECT_EQ(result.count, 0);
+        }
+        if (last == "malloc fail!!!(in clusteringFace") {
+          EXPECT_TRUE(handle.engine->faces.empty());
+        }
+      });
+
+  std::vector<float> features = taggedFeature(10);
+  seen.merge(FailEachAllocation(
+      [] {}, [&] { std::free(handle.itf_xvk_getClusterFeature(features.data(), 1)); },
+      [](const std::string&) {}));
+  seen.merge(
+      FailEachAllocation([&] { std::vector<clusterinfo>().swap(handle.engine->clusterInfos); },
+                         [&] { Read(); }, [&](const std::string&) {}));
+  for (const char* message :
+       {"malloc fail!!!(in getClusterFeature(Cluster, ivec)",
+        "malloc fail!!!(features assign in getClusterFeature(float*, int, ivec, int*)",
+        "malloc fail!!!(add members in getClusterFeature(float*, int, ivec, int*)",
+        "malloc fail!!!(in getClusterFeature(float*, int)",
+        "malloc fail!!!(add members in getClusterInfo",
+        "malloc fail!!!(add cluster in getClusterInfo",
+        "malloc fail!!!(existing cluster in mergeCluster)",
+        "malloc fail!!!(add survive in mergeInitialCluster",
+        "malloc fail!!!(merge outlier in mergeInitialCluster",
+        "malloc fail!!!(init labels in clusteringFace", "malloc fail!!!(in clusteringFace"}) {
+    EXPECT_EQ(seen.count(message), 1u) << message;
+  }
+  for (const std::string& message : restoring) EXPECT_EQ(seen.count(message), 1u) << message;
+}
+
+}  // namespace
