@@ -94,13 +94,16 @@ class XVKFC_EXPORT FaceRecognition {
   // REQUIRES: feature points to 960 floats.
   int itf_xvk_loadFaceFeature(float* feature, int faceId);
 
-  // Clusters the queued faces, merges them into the application's clusters
-  // in `list` (null or count 0 for none), then forgets the queued faces. The
-  // application's clusters keep their faces; a queued face that matches one
-  // of their features joins it (possibly several), the rest form new
-  // clusters or go to the bucket of unclustered faces, and clusters with
-  // close features are united. The result, read with itf_xvk_getClusterInfo,
-  // is numbered 0, 1, 2, ... plus the bucket -1.
+  // Clusters the queued faces, merges the outcome with the application's
+  // clusters in `list` (null or count 0 for none), then forgets the queued
+  // faces. The application's clusters keep their faces and come first, in
+  // clusterId order; the new clusters follow. A queued face that fits no new
+  // cluster joins every application cluster whose feature it matches (mapped
+  // similarity 0.9 or more), otherwise the bucket -1; but it is left out of
+  // every cluster when the joins of all such faces (one per cluster joined)
+  // are at least as many as those faces. Clusters whose features match at
+  // 0.87 or more are united. The result, read with itf_xvk_getClusterInfo, is numbered 0, 1,
+  // 2, ... plus the bucket -1.
   // With no queued faces nothing is clustered: `list` is not merged and the
   // previous result stays as it was.
   // Returns 1. Returns 0, logs which element is wrong, and changes nothing
