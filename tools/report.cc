@@ -22,7 +22,7 @@ body { font-family: sans-serif; margin: 2em; color: #222; max-width: 1100px; }
 h1 { font-size: 1.5em; } h2 { font-size: 1.2em; margin-top: 1.6em; }
 table { border-collapse: collapse; margin: 0.5em 0; }
 th, td { border: 1px solid #ccc; padding: 0.25em 0.6em; text-align: right; vertical-align: top; }
-th { background: #f0f0f0; } td.members { text-align: left; max-width: 40em; }
+th { background: #f0f0f0; } .members { text-align: left; max-width: 40em; }
 .note { color: #555; font-size: 0.9em; max-width: 60em; }
 .legend { display: inline-block; width: 320px; height: 14px; vertical-align: middle;
   background: linear-gradient(to right, #440154, #3b528b, #21918c, #5ec962, #fde725); }
@@ -95,7 +95,7 @@ std::string clusterTable(const ReportData& data) {
   std::ostringstream out;
   out << "<table><tr><th>cluster</th><th>faces</th><th>representative face</th>";
   if (withIdentities) out << "<th>main identity</th>";
-  out << "<th>member face ids</th></tr>\n";
+  out << "<th class=\"members\">member face ids</th></tr>\n";
   for (const ClusterRecord& cluster : data.clusters) {
     std::string members;
     for (size_t i = 0; i < std::min(cluster.faceIds.size(), kMembersShown); ++i) {

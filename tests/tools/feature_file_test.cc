@@ -88,16 +88,12 @@ TEST_F(FeatureFileTest, RejectsBadFeatureFilesWithTheReason) {
   const struct {
     std::string name, bytes, expected;
   } cases[] = {
-      {"f64.npy", encodeNpy("<f8", {1, 480}, raw.substr(0, 3840)), "float32"},
-      {"shape.npy", encodeNpy("<f4", {2, 959}, raw.substr(0, 2 * 959 * 4)), "(2, 959)"},
-      {"short.npy", encodeNpy("<f4", {2, 960}, raw).substr(0, 4000), "truncated"},
       {"long.npy", encodeNpy("<f4", {1, 960}, raw), "after the array data"},
       {"magic.npy", raw, "not a NumPy"},
       {"fortran.npy",
        Npy(1, "{'descr': '<f4', 'fortran_order': True, 'shape': (1, 960), }\n",
            raw.substr(0, 3840)),
        "Fortran"},
-      {"short.raw", raw.substr(0, 3841), "truncated"},
       {"empty.raw", "", "no features"},
       {"nan.raw", nan, "feature 1 has a value that is not finite (element 2)"},
   };
@@ -123,9 +119,7 @@ TEST_F(FeatureFileTest, IntegerListsFromTextAndNpy) {
     std::string name, bytes, expected;
   } cases[] = {
       {"word.txt", "1 2 x3", "'x3' is not an integer"},
-      {"float.txt", "1 2.5", "'2.5' is not an integer"},
       {"range.txt", "1 2147483648", "does not fit"},
-      {"dup.txt", "4 5 4", "duplicate face id 4"},
       {"count.txt", "1 2", "holds 2 face ids for 3 features"},
       {"f4.npy", encodeNpy("<f4", {3}, std::string(12, '\0')), "must be integers"},
   };

