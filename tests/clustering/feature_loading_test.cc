@@ -1,11 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <limits>
-#include <memory>
-#include <new>
+#include <cmath>
 #include <random>
-#include <vector>
 
 #include "clustering/face_clustering_system.h"
 #include "support/alloc_failure.h"
@@ -15,161 +12,91 @@
 
 namespace {
 
-using testing_support::featureKey;
-using testing_support::LogCapture;
 using testing_support::scripted;
 using testing_support::taggedFeature;
 using Feature = std::vector<float>;
 
-int someRecognizer;  // the scripted comparator does not look at its object
+int someRecognizer;  // the scripted comparator ignores its object
 
-// Deliberately asymmetric, so that a pair compared the other way round, or
-// twice, shows in the kernel.
-float asymmetricScore(const float* a, const float* b) { return (a[5] - 0.5f * b[7]) / 2; }
-
-struct Engine {
-  Engine() { system.init(&someRecognizer); }
-  void Load(const Feature& feature, int faceId) {
-    system.loadFeatureVector(const_cast<float*>(feature.data()), faceId);  // read only
-  }
-  void BuildKernel() {
-    Mat<int> unused;
-    system.updateKernelwithFeatureMatching(system.featureMats, unused);
-  }
-  std::vector<Feature> Rows() const {
-    return {system.featureMats[0].rows.begin(), system.featureMats[0].rows.end()};
-  }
-  std::vector<int> FaceIds() const {
-    std::vector<int> ids;
-    for (const Face& face : system.faces) ids.push_back(face.faceId);
+struct Engine : FaceClusteringSystem {
+  Engine() { init(&someRecognizer); }
+  void Load(const Feature& f, int id) { loadFeatureVector(const_cast<float*>(f.data()), id); }
+  // Face ids in row order, then the number of rows.
+  Vec<int> IdsAndRows() const {
+    Vec<int> ids;
+    for (const Face& face : faces) ids.push_back(face.faceId);
+    ids.push_back(featureMats[0].rowCount());
     return ids;
   }
-  FaceClusteringSystem system;
+  Mat<int> unused;
 };
+
+// Asymmetric on purpose: a pair compared the other way round shows.
+float score(const float* a, const float* b) { return (a[5] - 0.5f * b[7]) / 2; }
 
 TEST(FeatureLoading, RowsFacesAndKernelDoNotDependOnLoadOrder) {
   std::mt19937 rng(1234);
   std::vector<Feature> features(12, Feature(960));
-  for (Feature& f : features) {
-    // Leading elements from {0, 1}: many pairs tie on a prefix.
+  for (Feature& f : features) {  // prefixes from {0, 1}: many ties decided further in
     for (int k = 0; k < 960; ++k) f[k] = k < 3 ? rng() % 2 : (rng() % 1000) / 1000.0f;
   }
   std::vector<Feature> sorted = features;
   std::sort(sorted.begin(), sorted.end());
-  scripted().fallback = asymmetricScore;
-
-  std::vector<int> order = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11}, firstIds;
+  scripted().fallback = score;
+  std::vector<int> order = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11};
   for (int trial = 0; trial < 10; ++trial) {
-    for (size_t i = order.size() - 1; i > 0; --i) std::swap(order[i], order[rng() % (i + 1)]);
+    for (size_t i = 11; i > 0; --i) std::swap(order[i], order[rng() % (i + 1)]);
     scripted().comparisons.clear();
     Engine e;
     for (int index : order) e.Load(features[index], index);
-    e.BuildKernel();
-
-    ASSERT_EQ(e.Rows(), sorted);
-    if (trial == 0) firstIds = e.FaceIds();
-    EXPECT_EQ(e.FaceIds(), firstIds);
-    const std::vector<Vec<float>>& k = e.system.kernel;
-    size_t call = 0;
+    e.updateKernelwithFeatureMatching(e.featureMats, e.unused);
+    auto call = scripted().comparisons.begin();  // each pair once, lower row first, on copies
     for (int i = 0; i < 12; ++i) {
-      EXPECT_EQ(features[e.FaceIds()[i]], sorted[i]);
-      EXPECT_EQ(k[i][i], 1.0f);
+      EXPECT_EQ(features[e.faces[i].faceId], sorted[i]);
+      EXPECT_EQ(e.kernel[i][i], 1.0f);
       for (int j = i + 1; j < 12; ++j, ++call) {
-        ASSERT_LT(call, scripted().comparisons.size());
-        const auto& c = scripted().comparisons[call];
-        EXPECT_EQ(c.first, featureKey(sorted[i]));
-        EXPECT_EQ(c.second, featureKey(sorted[j]));
-        EXPECT_NE(c.firstPointer, e.system.featureMats[0][i].data());
-        EXPECT_EQ(k[i][j], (asymmetricScore(sorted[i].data(), sorted[j].data()) + 1) * 0.5f);
-        EXPECT_EQ(k[j][i], k[i][j]);
+        ASSERT_EQ(std::pair(call->first, call->second),
+                  std::pair(testing_support::featureKey(sorted[i]),
+                            testing_support::featureKey(sorted[j])));
+        EXPECT_NE(call->firstPointer, e.featureMats[0][i].data());
+        EXPECT_EQ(e.kernel[i][j], (score(sorted[i].data(), sorted[j].data()) + 1) * 0.5f);
+        EXPECT_EQ(e.kernel[j][i], e.kernel[i][j]);
       }
     }
-    EXPECT_EQ(call, scripted().comparisons.size());
+    EXPECT_EQ(call, scripted().comparisons.end());
   }
 }
 
 TEST(FeatureLoading, EqualRowsAreScannedPastNotStoppedAt) {
   const Feature a = taggedFeature(1), e = taggedFeature(2), g = taggedFeature(3);
-  Engine identical;
-  for (auto [feature, id] : {std::pair{g, 30}, {e, 21}, {a, 10}, {e, 22}})
-    identical.Load(feature, id);
-  EXPECT_EQ(identical.FaceIds(), (std::vector<int>{10, 21, 22, 30}));
-
-  // An all-NaN row compares equal to every row, so it can sit after a greater
-  // one: that greater row is then exchanged with it, not with the new row.
-  Engine nan;
-  nan.Load(g, 1);
-  nan.Load(Feature(960, std::numeric_limits<float>::quiet_NaN()), 2);
-  nan.Load(a, 3);
-  EXPECT_EQ(nan.FaceIds(), (std::vector<int>{2, 1, 3}));
+  Engine same, nan;
+  for (auto [f, id] : {std::pair{g, 30}, {e, 21}, {a, 10}, {e, 22}}) same.Load(f, id);
+  EXPECT_EQ(same.IdsAndRows(), Vec<int>({10, 21, 22, 30, 4}));
+  // An all-NaN row equals every row, so it can follow a greater one; that
+  // greater row is then exchanged with it, not with the new row.
+  for (auto [f, id] : {std::pair{g, 1}, {Feature(960, NAN), 2}, {a, 3}}) nan.Load(f, id);
+  EXPECT_EQ(nan.IdsAndRows(), Vec<int>({2, 1, 3, 3}));
 }
 
-TEST(FeatureLoading, KernelOfNoFaceAndOfOneFace) {
+TEST(FeatureLoading, OutOfMemoryLeavesTheDocumentedState) {
   Engine e;
-  e.system.kernel.assign(3, Vec<float>(3, 0.5f));
-  e.BuildKernel();
-  EXPECT_TRUE(e.system.kernel.empty());
-  e.Load(taggedFeature(0), 7);
-  e.BuildKernel();
-  EXPECT_EQ(e.system.kernel, (std::vector<Vec<float>>{{1.0f}}));
-  EXPECT_TRUE(scripted().comparisons.empty());
-}
-
-TEST(FeatureLoading, OutOfMemoryWhileLoadingLeavesTheDocumentedState) {
-  auto twoFaces = [] {
-    auto e = std::make_unique<Engine>();
-    e->Load(taggedFeature(1), 1);
-    e->Load(taggedFeature(3), 3);
-    return e;
-  };
+  for (int tag : {1, 3}) e.Load(taggedFeature(tag), tag);
+  e.featureMats[0].rows.reserve(4);  // so the face record is the second allocation
   const Feature third = taggedFeature(2);
-  long allocations;
-  {
-    auto e = twoFaces();
-    allocations = alloc_failure::countAllocations([&] { e->Load(third, 2); });
-  }
-  bool zerosLogged = false, faceLogged = false;
-  for (long nth = 1; nth <= allocations; ++nth) {
-    auto e = twoFaces();
-    LogCapture log;
-    alloc_failure::failNth(nth);
-    try {
-      e->Load(third, 2);
-    } catch (const std::bad_alloc&) {
-      EXPECT_TRUE(log.messages().empty());  // not one of the places that catch
-    }
-    alloc_failure::disarm();
-    if (log.contains("malloc fail!!!(zeros in loadFeatureVector")) {
-      zerosLogged = true;
-      EXPECT_EQ(e->Rows(), (std::vector<Feature>{taggedFeature(1), taggedFeature(3)}));
-      EXPECT_EQ(e->FaceIds(), (std::vector<int>{1, 3}));
-    } else if (log.contains("malloc fail!!!(add face in loadFeatureVector")) {
-      faceLogged = true;
-      // The row stays appended, unsorted, without its face.
-      EXPECT_EQ(e->Rows(), (std::vector<Feature>{taggedFeature(1), taggedFeature(3), third}));
-      EXPECT_EQ(e->FaceIds(), (std::vector<int>{1, 3}));
-    }
-  }
-  EXPECT_TRUE(zerosLogged);
-  EXPECT_TRUE(faceLogged);
-}
-
-TEST(FeatureLoading, OutOfMemoryWhileSizingTheKernelComparesNothing) {
-  Engine e;
-  for (int tag = 0; tag < 3; ++tag) e.Load(taggedFeature(tag), tag);
-  const long allocations = alloc_failure::countAllocations([&] { e.BuildKernel(); });
-  ASSERT_GT(allocations, 0);
-  scripted().comparisons.clear();
-  // Every allocation of the kernel build is in sizing the kernel.
-  for (long nth = 1; nth <= allocations; ++nth) {
-    std::vector<Vec<float>>().swap(e.system.kernel);  // so that sizing allocates again
-    LogCapture log;
-    alloc_failure::failNth(nth);
-    e.BuildKernel();
-    ASSERT_TRUE(alloc_failure::fired());
-    EXPECT_EQ(log.messages(), std::vector<std::string>{"malloc fail!!!(in updateKernel"});
-    EXPECT_TRUE(scripted().comparisons.empty());
-  }
+  testing_support::LogCapture log;
+  alloc_failure::failNth(1);
+  e.Load(third, 2);
+  EXPECT_EQ(e.IdsAndRows(), Vec<int>({1, 3, 2}));
+  alloc_failure::failNth(2);
+  e.Load(third, 2);
+  EXPECT_EQ(e.IdsAndRows(), Vec<int>({1, 3, 3}));  // the row stays, unsorted
+  alloc_failure::failNth(1);
+  e.updateKernelwithFeatureMatching(e.featureMats, e.unused);
+  EXPECT_TRUE(scripted().comparisons.empty());
+  EXPECT_EQ(log.messages(),
+            (std::vector<std::string>{"malloc fail!!!(zeros in loadFeatureVector",
+                                      "malloc fail!!!(add face in loadFeatureVector",
+                                      "malloc fail!!!(in updateKernel"}));
 }
 
 }  // namespace
