@@ -1,5 +1,6 @@
 #include "clustering/cluster_merge.h"
 
+#include <cstddef>
 #include <vector>
 
 #include "clustering/face_clustering_system.h"

@@ -1,5 +1,6 @@
 // FaceClusteringSystem::ClusterSplit: a 2-means cut of every cluster that is
 // not tight enough.
+#include <cstddef>
 #include <vector>
 
 #include "clustering/face_clustering_system.h"

@@ -1,5 +1,6 @@
 // FaceClusteringSystem::refineClustering: split-and-merge cycles, outlier
 // pruning, and the rebuild of the cluster map.
+#include <cstddef>
 #include <map>
 #include <vector>
 
