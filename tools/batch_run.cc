@@ -27,10 +27,10 @@ std::vector<ClusterRecord> clusterInBatches(EngineSession& session, const Featur
 
     int existingClusters = 0;
     for (const ClusterRecord& cluster : existing) existingClusters += cluster.id >= 0;
-    progress.begin(name + (existing.empty() ? ": clustering"
-                                            : ": clustering and merging into " +
-                                                  std::to_string(existingClusters) +
-                                                  " existing clusters"));
+    progress.begin(name + (existing.empty()
+                               ? ": clustering"
+                               : ": clustering and merging into " +
+                                     std::to_string(existingClusters) + " existing clusters"));
     session.run(existing);
     summary.seconds += progress.end();
 

@@ -18,9 +18,7 @@ constexpr int kPlotHeight = 160;
 constexpr int kMargin = 24;
 constexpr int kGlyphScale = 2;
 
-uint8_t mix(uint8_t a, uint8_t b, double t) {
-  return static_cast<uint8_t>(a + (b - a) * t + 0.5);
-}
+uint8_t mix(uint8_t a, uint8_t b, double t) { return static_cast<uint8_t>(a + (b - a) * t + 0.5); }
 
 }  // namespace
 
@@ -84,8 +82,8 @@ RgbImage sizeHistogram(const std::map<int, int>& clustersOfSize) {
     }
     if ((size - 1) % labelStep == 0) {
       const std::string label = std::to_string(size);
-      image.text(x + (barWidth - RgbImage::textWidth(label, kGlyphScale)) / 2, baseline + 4,
-                 label, kGlyphScale, kInk);
+      image.text(x + (barWidth - RgbImage::textWidth(label, kGlyphScale)) / 2, baseline + 4, label,
+                 kGlyphScale, kInk);
     }
   }
   return image;

@@ -22,10 +22,10 @@ namespace tool {
 // One cluster as the library reports it (itf_xvk_clusteritem) and takes it
 // back.
 struct ClusterRecord {
-  int id = -1;                  // >= 0, or -1 for the unclustered bucket
-  std::vector<int> faceIds;     // members, in the library's order
-  int repFaceId = -1;           // representative face; -1 for the bucket
-  std::vector<float> feature;   // 960 floats; empty for the bucket
+  int id = -1;                 // >= 0, or -1 for the unclustered bucket
+  std::vector<int> faceIds;    // members, in the library's order
+  int repFaceId = -1;          // representative face; -1 for the bucket
+  std::vector<float> feature;  // 960 floats; empty for the bucket
 };
 
 // The JSON text of `clusters`, in the given order.

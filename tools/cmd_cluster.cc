@@ -25,7 +25,8 @@ struct ClusterOptions {
 void rejectKnownFaces(const std::vector<int>& faceIds, const std::vector<ClusterRecord>& existing,
                       const ClusterOptions& options) {
   std::set<int> known;
-  for (const ClusterRecord& cluster : existing) known.insert(cluster.faceIds.begin(), cluster.faceIds.end());
+  for (const ClusterRecord& cluster : existing)
+    known.insert(cluster.faceIds.begin(), cluster.faceIds.end());
   for (int id : faceIds) {
     if (known.count(id)) {
       throw ToolError((options.ids.empty() ? options.features : options.ids) + ": face id " +
@@ -46,8 +47,8 @@ int runCluster(const ClusterOptions& options, const GlobalOptions& global) {
   BatchPlan plan;
   plan.batchSize = options.batchSize;
   if (!options.labels.empty()) {
-    plan.identities = identityOfFaces(faceIds, readIntList(options.labels, "labels"),
-                                      options.labels.c_str());
+    plan.identities =
+        identityOfFaces(faceIds, readIntList(options.labels, "labels"), options.labels.c_str());
   }
   progress.end(std::to_string(features.rows()) + " features");
 
@@ -71,14 +72,15 @@ int runCluster(const ClusterOptions& options, const GlobalOptions& global) {
   if (!options.report.empty()) {
     ReportData report;
     report.title = "xvkfc cluster " + options.features;
-    report.input = std::to_string(features.rows()) + " faces from " + options.features +
-                   (options.existing.empty() ? "" : ", merged into the clusters of " + options.existing) +
-                   ".";
+    report.input =
+        std::to_string(features.rows()) + " faces from " + options.features +
+        (options.existing.empty() ? "" : ", merged into the clusters of " + options.existing) + ".";
     report.clusters = clusters;
     report.identities = plan.identities;
     report.quality = last.quality;
     report.batches = batches;
-    report.view = buildSimilarityView(session, features, faceIds, clusters, kReportMaxFaces, progress);
+    report.view =
+        buildSimilarityView(session, features, faceIds, clusters, kReportMaxFaces, progress);
     writeReport(options.report, report);
     std::printf("report written to %s\n", options.report.c_str());
   }
@@ -89,33 +91,40 @@ int runCluster(const ClusterOptions& options, const GlobalOptions& global) {
 
 Command addClusterCommand(CLI::App& app, const GlobalOptions& global) {
   auto options = std::make_shared<ClusterOptions>();
-  CLI::App* sub = app.add_subcommand(
-      "cluster",
-      "Cluster the face features in FEATURES and write the clusters as JSON.\n"
+  CLI::App* sub =
+      app.add_subcommand("cluster", "Cluster features from a file and write the clusters (JSON)");
+  sub->footer(
       "Give the clusters file of an earlier run with --existing to add a new batch of faces to "
       "it, as a photo application does; --batch-size splits FEATURES into successive runs, each "
-      "fed the previous result.");
+      "fed the previous result. Progress goes to standard error, the summary to standard output.");
   sub->add_option("FEATURES", options->features,
                   "Features: .npy (float32, shape N x 960) or raw little-endian float32 "
                   "(N x 960 values)")
+      ->type_name("FILE")
       ->required();
-  sub->add_option("-o,--output", options->output, "Clusters file to write (JSON)")->required();
+  sub->add_option("-o,--output", options->output, "Clusters file to write (JSON)")
+      ->type_name("FILE")
+      ->required();
   sub->add_option("--ids", options->ids,
                   "Face id of each feature: text (whitespace-separated integers) or .npy int32/"
-                  "int64 (default: 0..N-1)");
+                  "int64 (default: 0..N-1)")
+      ->type_name("FILE");
   sub->add_option("--existing", options->existing,
                   "Clusters file of an earlier run: its clusters are the ones the application "
-                  "already has");
+                  "already has")
+      ->type_name("FILE");
   sub->add_option("--batch-size", options->batchSize,
                   "Cluster N faces per run, in file order, each run fed the previous result "
                   "(default 0: all in one run)")
       ->check(CLI::NonNegativeNumber);
   sub->add_option("--labels", options->labels,
                   "Known identity of each feature (same formats as --ids): prints pairwise and "
-                  "BCubed precision, recall and F-score");
+                  "BCubed precision, recall and F-score")
+      ->type_name("FILE");
   sub->add_option("--report", options->report,
                   "Write a self-contained HTML report: similarity heat map, cluster sizes, "
-                  "cluster table");
+                  "cluster table")
+      ->type_name("FILE");
   return {sub, [options, &global] { return runCluster(*options, global); }};
 }
 

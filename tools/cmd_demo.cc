@@ -75,10 +75,11 @@ int runDemo(const DemoOptions& options, const GlobalOptions& global) {
   const RunSummary& last = batches.back();
   double seconds = 0.0;
   for (const RunSummary& batch : batches) seconds += batch.seconds;
-  std::printf("Result: %d clusters for %d people and %d lone faces, %d unclustered faces, %.3f s "
-              "in all.\nQuality: %s\n",
-              last.clusters, g.people, g.loneFaces, last.unclustered, seconds,
-              describe(*last.quality).c_str());
+  std::printf(
+      "Result: %d clusters for %d people and %d lone faces, %d unclustered faces, %.3f s "
+      "in all.\nQuality: %s\n",
+      last.clusters, g.people, g.loneFaces, last.unclustered, seconds,
+      describe(*last.quality).c_str());
   if (!options.output.empty()) {
     writeClusters(options.output, clusters);
     std::printf("Clusters written to %s\n", options.output.c_str());
@@ -112,32 +113,43 @@ int runDemo(const DemoOptions& options, const GlobalOptions& global) {
 
 Command addDemoCommand(CLI::App& app, const GlobalOptions& global) {
   auto options = std::make_shared<DemoOptions>();
-  CLI::App* sub = app.add_subcommand(
-      "demo",
-      "Make a synthetic gallery with known identities (the same for a given seed, on every "
-      "machine), cluster it batch after batch as a photo application does, and print per batch "
+  CLI::App* sub =
+      app.add_subcommand("demo", "Cluster a synthetic gallery batch after batch, with quality");
+  sub->footer(
+      "Makes a synthetic gallery with known identities (the same for a given seed, on every "
+      "machine), clusters it batch after batch as a photo application does, and prints per batch "
       "the faces, clusters, unclustered faces, time and quality.");
   GalleryOptions& g = options->gallery;
   sub->add_option("--seed", g.seed, "Seed of the gallery")->capture_default_str();
   sub->add_option("--people", g.people, "People with several faces")
-      ->capture_default_str()->check(CLI::Range(1, 10000));
+      ->capture_default_str()
+      ->check(CLI::Range(1, 10000));
   sub->add_option("--min-faces", g.minFaces, "Fewest faces per person")
-      ->capture_default_str()->check(CLI::Range(1, 1000));
+      ->capture_default_str()
+      ->check(CLI::Range(1, 1000));
   sub->add_option("--max-faces", g.maxFaces, "Most faces per person")
-      ->capture_default_str()->check(CLI::Range(1, 1000));
+      ->capture_default_str()
+      ->check(CLI::Range(1, 1000));
   sub->add_option("--look-alikes", g.lookAlikes, "People who resemble another person")
-      ->capture_default_str()->check(CLI::Range(0, 10000));
+      ->capture_default_str()
+      ->check(CLI::Range(0, 10000));
   sub->add_option("--lone", g.loneFaces, "People with a single face")
-      ->capture_default_str()->check(CLI::Range(0, 10000));
+      ->capture_default_str()
+      ->check(CLI::Range(0, 10000));
   sub->add_option("--duplicates", g.duplicates, "Exact copies of faces under new face ids")
-      ->capture_default_str()->check(CLI::Range(0, 10000));
+      ->capture_default_str()
+      ->check(CLI::Range(0, 10000));
   sub->add_option("--batches", options->batches, "Clustering runs the gallery is split into")
-      ->capture_default_str()->check(CLI::Range(1, 1000));
-  sub->add_option("-o,--output", options->output, "Also write the final clusters file (JSON)");
-  sub->add_option("--report", options->report, "Write a self-contained HTML report");
+      ->capture_default_str()
+      ->check(CLI::Range(1, 1000));
+  sub->add_option("-o,--output", options->output, "Also write the final clusters file (JSON)")
+      ->type_name("FILE");
+  sub->add_option("--report", options->report, "Write a self-contained HTML report")
+      ->type_name("FILE");
   sub->add_option("--save-gallery", options->saveGallery,
                   "Write the gallery to this folder as features.npy, face_ids.txt and labels.txt, "
-                  "for 'xvkfc cluster --labels'");
+                  "for 'xvkfc cluster --labels'")
+      ->type_name("DIR");
   return {sub, [options, &global] { return runDemo(*options, global); }};
 }
 

@@ -85,11 +85,11 @@ int runExtract(const ExtractOptions& options, const GlobalOptions& global) {
 
 Command addExtractCommand(CLI::App& app, const GlobalOptions& global) {
   auto options = std::make_shared<ExtractOptions>();
-  CLI::App* sub = app.add_subcommand(
-      "extract",
-      "Turn face rectangles of a planar YUV 4:2:0 image (Y plane, then U and V planes of half "
+  CLI::App* sub = app.add_subcommand("extract", "Features of face rectangles in a YUV 4:2:0 image");
+  sub->footer(
+      "Turns face rectangles of a planar YUV 4:2:0 image (Y plane, then U and V planes of half "
       "width and height, rounded up) into features (itf_xvk_extractFeature), one row per --face.");
-  sub->add_option("IMAGE", options->image, "The raw YUV 4:2:0 file")->required();
+  sub->add_option("IMAGE", options->image, "The raw YUV 4:2:0 file")->type_name("FILE")->required();
   sub->add_option("--size", options->size, "Image size as WIDTHxHEIGHT, for example 640x480")
       ->required();
   sub->add_option("--face", options->faces,
@@ -97,6 +97,7 @@ Command addExtractCommand(CLI::App& app, const GlobalOptions& global) {
       ->required()
       ->allow_extra_args(false);
   sub->add_option("-o,--output", options->output, "Feature file to write (.npy or raw by name)")
+      ->type_name("FILE")
       ->required();
   return {sub, [options, &global] { return runExtract(*options, global); }};
 }

@@ -28,16 +28,20 @@ int runRecommend(const RecommendOptions& options, const GlobalOptions& global) {
 
 Command addRecommendCommand(CLI::App& app, const GlobalOptions& global) {
   auto options = std::make_shared<RecommendOptions>();
-  CLI::App* sub = app.add_subcommand(
-      "recommend",
-      "For each feature in FEATURES, the cluster of --clusters it fits best "
-      "(itf_xvk_recommendCluster). Prints one line per feature: face id, a tab, and the cluster "
-      "id, or -1 when no cluster scores 921 or more of 1023.");
+  CLI::App* sub = app.add_subcommand("recommend", "The existing cluster each new face fits best");
+  sub->footer(
+      "For each feature in FEATURES, asks the library (itf_xvk_recommendCluster) which cluster of "
+      "--clusters fits best. Prints one line per feature: face id, a tab, and the cluster id, or "
+      "-1 when no cluster scores 921 or more of 1023.");
   sub->add_option("FEATURES", options->features, "Features: .npy (N x 960 float32) or raw float32")
+      ->type_name("FILE")
       ->required();
-  sub->add_option("--clusters", options->clusters, "Clusters file (JSON) written by 'xvkfc cluster'")
+  sub->add_option("--clusters", options->clusters,
+                  "Clusters file (JSON) written by 'xvkfc cluster'")
+      ->type_name("FILE")
       ->required();
-  sub->add_option("--ids", options->ids, "Face id of each feature (default: 0..N-1)");
+  sub->add_option("--ids", options->ids, "Face id of each feature (default: 0..N-1)")
+      ->type_name("FILE");
   return {sub, [options, &global] { return runRecommend(*options, global); }};
 }
 

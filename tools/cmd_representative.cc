@@ -22,7 +22,8 @@ int runRepresentative(const RepresentativeOptions& options, const GlobalOptions&
   // The library returns a copy of one member's feature; name that member.
   int row = -1;
   for (int i = 0; i < features.rows() && row < 0; ++i) {
-    if (std::memcmp(features.row(i), representative.data(), kFeatureDim * sizeof(float)) == 0) row = i;
+    if (std::memcmp(features.row(i), representative.data(), kFeatureDim * sizeof(float)) == 0)
+      row = i;
   }
   if (row >= 0) {
     std::printf("representative: row %d, face id %d\n", row, faceIds[row]);
@@ -31,7 +32,7 @@ int runRepresentative(const RepresentativeOptions& options, const GlobalOptions&
   }
   if (!options.output.empty()) {
     FeatureMatrix out;
-    out.appendRow(representative.data());
+    out.values = representative;
     writeFeatures(options.output, out);
   }
   return kExitOk;
@@ -41,15 +42,19 @@ int runRepresentative(const RepresentativeOptions& options, const GlobalOptions&
 
 Command addRepresentativeCommand(CLI::App& app, const GlobalOptions& global) {
   auto options = std::make_shared<RepresentativeOptions>();
-  CLI::App* sub = app.add_subcommand(
-      "representative",
-      "Pick the representative of the features in FEATURES (itf_xvk_getClusterFeature): the "
-      "face most similar on average to the others. Prints its row and face id.");
+  CLI::App* sub =
+      app.add_subcommand("representative", "The feature that stands for a set of features");
+  sub->footer(
+      "Asks the library (itf_xvk_getClusterFeature) for the representative of the features in "
+      "FEATURES: the face most similar on average to the others. Prints its row and face id.");
   sub->add_option("FEATURES", options->features, "Features: .npy (N x 960 float32) or raw float32")
+      ->type_name("FILE")
       ->required();
-  sub->add_option("--ids", options->ids, "Face id of each feature (default: 0..N-1)");
+  sub->add_option("--ids", options->ids, "Face id of each feature (default: 0..N-1)")
+      ->type_name("FILE");
   sub->add_option("-o,--output", options->output,
-                  "Write the representative feature here (.npy or raw by name)");
+                  "Write the representative feature here (.npy or raw by name)")
+      ->type_name("FILE");
   return {sub, [options, &global] { return runRepresentative(*options, global); }};
 }
 

@@ -13,8 +13,8 @@ namespace tool {
 
 // Options every subcommand understands.
 struct GlobalOptions {
-  bool quiet = false;    // no progress on standard error
-  bool verbose = false;  // the library's log lines on standard error
+  bool quiet = false;        // no progress on standard error
+  bool verbose = false;      // the library's log lines on standard error
   std::string models = ".";  // model folder of the closed libraries
 };
 

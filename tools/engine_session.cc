@@ -39,8 +39,10 @@ EngineSession::EngineSession(const std::string& modelDir) {
   const int status = handle_.itf_xvk_Init(modelDir.c_str());
   if (status != kFeatureDim) {
     handle_.itf_xvk_Release();
-    throw ToolError(modelDir + ": the library did not start with this model folder (itf_xvk_Init "
-                    "returned " + std::to_string(status) + ")");
+    throw ToolError(modelDir +
+                    ": the library did not start with this model folder (itf_xvk_Init "
+                    "returned " +
+                    std::to_string(status) + ")");
   }
 }
 
@@ -72,7 +74,8 @@ std::vector<ClusterRecord> EngineSession::clusters() {
     record.id = item.clusterId;
     record.faceIds.assign(item.faceIds, item.faceIds + item.faceCount);
     record.repFaceId = item.repFaceId;
-    if (item.feature != nullptr) record.feature.assign(item.feature, item.feature + item.featureDim);
+    if (item.feature != nullptr)
+      record.feature.assign(item.feature, item.feature + item.featureDim);
     records.push_back(std::move(record));
   }
   handle_.itf_xvk_releaseClusterInfo(&list);

@@ -18,7 +18,8 @@ constexpr size_t kFeatureBytes = kFeatureDim * sizeof(float);
 
 float floatFromLittleEndian(const char* bytes) {
   uint32_t bits = 0;
-  for (int i = 0; i < 4; ++i) bits |= static_cast<uint32_t>(static_cast<unsigned char>(bytes[i])) << (8 * i);
+  for (int i = 0; i < 4; ++i)
+    bits |= static_cast<uint32_t>(static_cast<unsigned char>(bytes[i])) << (8 * i);
   float value;
   std::memcpy(&value, &bits, sizeof value);
   return value;
@@ -32,7 +33,8 @@ void appendLittleEndian(std::string& out, float value) {
 
 int64_t intFromLittleEndian(const char* bytes, size_t width) {
   uint64_t bits = 0;
-  for (size_t i = 0; i < width; ++i) bits |= static_cast<uint64_t>(static_cast<unsigned char>(bytes[i])) << (8 * i);
+  for (size_t i = 0; i < width; ++i)
+    bits |= static_cast<uint64_t>(static_cast<unsigned char>(bytes[i])) << (8 * i);
   if (width == 4) return static_cast<int32_t>(static_cast<uint32_t>(bits));
   return static_cast<int64_t>(bits);
 }
@@ -53,7 +55,7 @@ FeatureMatrix featuresFromBytes(const std::string& data, const std::string& sour
   return features;
 }
 
-std::string shapeText(const std::vector<size_t>& shape) {
+std::string shapeText(const std::vector<uint64_t>& shape) {
   std::string text = "(";
   for (size_t i = 0; i < shape.size(); ++i) text += (i ? ", " : "") + std::to_string(shape[i]);
   return text + ")";
@@ -66,8 +68,8 @@ FeatureMatrix readFeatures(const std::string& path) {
   if (hasSuffix(path, ".npy")) {
     const NpyArray array = parseNpy(bytes, path);
     if (array.descr != "<f4") {
-      throw ToolError(path + ": features must be float32 ('<f4'), the file holds '" +
-                      array.descr + "'");
+      throw ToolError(path + ": features must be float32 ('<f4'), the file holds '" + array.descr +
+                      "'");
     }
     const bool oneFeature = array.shape.size() == 1 && array.shape[0] == kFeatureDim;
     const bool matrix = array.shape.size() == 2 && array.shape[1] == kFeatureDim;
@@ -78,8 +80,10 @@ FeatureMatrix readFeatures(const std::string& path) {
     return featuresFromBytes(array.data, path);
   }
   if (bytes.size() % kFeatureBytes != 0) {
-    throw ToolError(path + ": truncated: raw features are multiples of 3840 bytes (960 float32), "
-                    "the file has " + std::to_string(bytes.size()) + " bytes");
+    throw ToolError(path +
+                    ": truncated: raw features are multiples of 3840 bytes (960 float32), "
+                    "the file has " +
+                    std::to_string(bytes.size()) + " bytes");
   }
   return featuresFromBytes(bytes, path);
 }
@@ -89,7 +93,7 @@ std::string encodeFeatures(const std::string& path, const FeatureMatrix& feature
   data.reserve(features.values.size() * sizeof(float));
   for (float value : features.values) appendLittleEndian(data, value);
   if (!hasSuffix(path, ".npy")) return data;
-  return encodeNpy("<f4", {static_cast<size_t>(features.rows()), kFeatureDim}, data);
+  return encodeNpy("<f4", {static_cast<uint64_t>(features.rows()), kFeatureDim}, data);
 }
 
 void writeFeatures(const std::string& path, const FeatureMatrix& features) {
@@ -110,7 +114,7 @@ std::vector<int> readIntList(const std::string& path, const std::string& what) {
       throw ToolError(path + ": " + what + " must have shape (N,), the file holds " +
                       shapeText(array.shape));
     }
-    for (size_t i = 0; i < array.shape[0]; ++i) {
+    for (size_t i = 0; i < static_cast<size_t>(array.shape[0]); ++i) {
       wide.push_back(intFromLittleEndian(array.data.data() + i * width, width));
     }
   } else {
@@ -155,7 +159,8 @@ std::vector<int> readFaceIds(const std::string& path, int rows) {
   }
   std::set<int> seen;
   for (int id : ids) {
-    if (!seen.insert(id).second) throw ToolError(path + ": duplicate face id " + std::to_string(id));
+    if (!seen.insert(id).second)
+      throw ToolError(path + ": duplicate face id " + std::to_string(id));
   }
   return ids;
 }

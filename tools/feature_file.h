@@ -24,7 +24,9 @@ struct FeatureMatrix {
   int rows() const { return static_cast<int>(values.size() / kFeatureDim); }
   const float* row(int i) const { return values.data() + static_cast<size_t>(i) * kFeatureDim; }
   float* row(int i) { return values.data() + static_cast<size_t>(i) * kFeatureDim; }
-  void appendRow(const float* feature) { values.insert(values.end(), feature, feature + kFeatureDim); }
+  void appendRow(const float* feature) {
+    values.insert(values.end(), feature, feature + kFeatureDim);
+  }
 };
 
 // Reads a feature file (layout by name, see above). Throws ToolError naming

@@ -46,7 +46,8 @@ std::vector<double> unitDirection(Random& random) {
 }
 
 // a + weight * b, scaled to unit length.
-std::vector<double> blend(const std::vector<double>& a, const std::vector<double>& b, double weight) {
+std::vector<double> blend(const std::vector<double>& a, const std::vector<double>& b,
+                          double weight) {
   std::vector<double> v(kFeatureDim);
   double norm = 0.0;
   for (int i = 0; i < kFeatureDim; ++i) {

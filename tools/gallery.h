@@ -12,12 +12,12 @@ namespace tool {
 
 struct GalleryOptions {
   uint32_t seed = 1234;
-  int people = 24;        // identities with several faces each
-  int minFaces = 4;       // faces per person, inclusive range
+  int people = 24;   // identities with several faces each
+  int minFaces = 4;  // faces per person, inclusive range
   int maxFaces = 16;
-  int lookAlikes = 3;     // people made to resemble the person before them
-  int loneFaces = 10;     // identities with exactly one face
-  int duplicates = 6;     // exact copies of earlier faces under new face ids
+  int lookAlikes = 3;  // people made to resemble the person before them
+  int loneFaces = 10;  // identities with exactly one face
+  int duplicates = 6;  // exact copies of earlier faces under new face ids
 };
 
 // Faces in shuffled order, the order a photo library would deliver them.

@@ -15,10 +15,12 @@ int main(int argc, char** argv) {
   app.fallthrough();
   tool::GlobalOptions global;
   app.add_flag("-q,--quiet", global.quiet, "Print no progress on standard error");
-  app.add_flag("-v,--verbose", global.verbose, "Show the library's own log lines on standard error");
+  app.add_flag("-v,--verbose", global.verbose,
+               "Show the library's own log lines on standard error");
   app.add_option("--models", global.models,
                  "Folder of the closed libraries' model files (on a workstation their stand-ins "
                  "accept any readable folder)")
+      ->type_name("DIR")
       ->capture_default_str();
 
   const std::vector<tool::Command> commands = {

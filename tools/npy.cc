@@ -12,6 +12,9 @@ const char kMagic[] = "\x93NUMPY";
 constexpr size_t kMagicLength = 6;
 // Version 1 headers are padded so that the data starts on this boundary.
 constexpr size_t kHeaderAlignment = 64;
+// Largest dimension accepted; far beyond any file, small enough that
+// products of two stay exact in 64 bits.
+constexpr uint64_t kMaxDimension = uint64_t{1} << 30;
 
 size_t readLittleEndian(const std::string& bytes, size_t at, size_t width) {
   size_t value = 0;
@@ -37,19 +40,19 @@ std::string valueAfterKey(const std::string& header, const std::string& key) {
   return "";
 }
 
-std::vector<size_t> parseShape(const std::string& value, const std::string& source) {
+std::vector<uint64_t> parseShape(const std::string& value, const std::string& source) {
   if (value.empty() || value[0] != '(') throw ToolError(source + ": malformed NumPy shape");
   const size_t close = value.find(')');
   if (close == std::string::npos) throw ToolError(source + ": malformed NumPy shape");
-  std::vector<size_t> shape;
+  std::vector<uint64_t> shape;
   size_t i = 1;
   while (i < close) {
     const char c = value[i];
     if (std::isdigit(static_cast<unsigned char>(c))) {
-      size_t dim = 0;
+      uint64_t dim = 0;
       while (i < close && std::isdigit(static_cast<unsigned char>(value[i]))) {
-        dim = dim * 10 + static_cast<size_t>(value[i] - '0');
-        if (dim > (size_t{1} << 40)) throw ToolError(source + ": NumPy shape too large");
+        dim = dim * 10 + static_cast<uint64_t>(value[i] - '0');
+        if (dim > kMaxDimension) throw ToolError(source + ": NumPy shape too large");
         ++i;
       }
       shape.push_back(dim);
@@ -64,9 +67,12 @@ std::vector<size_t> parseShape(const std::string& value, const std::string& sour
 
 }  // namespace
 
-size_t NpyArray::elementCount() const {
-  size_t count = 1;
-  for (size_t dim : shape) count *= dim;
+uint64_t NpyArray::elementCount() const {
+  uint64_t count = 1;
+  for (uint64_t dim : shape) {
+    // Saturates instead of wrapping, so that a huge shape reads as truncated.
+    count = dim != 0 && count > kMaxDimension * kMaxDimension / dim ? UINT64_MAX : count * dim;
+  }
   return count;
 }
 
@@ -88,7 +94,7 @@ NpyArray parseNpy(const std::string& bytes, const std::string& source) {
   const size_t headerStart = kMagicLength + 2 + lengthWidth;
   if (bytes.size() < headerStart) throw ToolError(source + ": truncated .npy header");
   const size_t headerLength = readLittleEndian(bytes, kMagicLength + 2, lengthWidth);
-  if (bytes.size() < headerStart + headerLength) {
+  if (headerLength > bytes.size() - headerStart) {
     throw ToolError(source + ": truncated .npy header");
   }
   const std::string header = bytes.substr(headerStart, headerLength);
@@ -110,8 +116,9 @@ NpyArray parseNpy(const std::string& bytes, const std::string& source) {
   const size_t elementSize = npyElementSize(array.descr);
   const size_t dataStart = headerStart + headerLength;
   if (elementSize != 0) {
-    const size_t expected = array.elementCount() * elementSize;
-    const size_t present = bytes.size() - dataStart;
+    const uint64_t count = array.elementCount();
+    const uint64_t expected = count == UINT64_MAX ? UINT64_MAX : count * elementSize;
+    const uint64_t present = bytes.size() - dataStart;
     if (present < expected) {
       throw ToolError(source + ": truncated: the shape needs " + std::to_string(expected) +
                       " data bytes, the file has " + std::to_string(present));
@@ -125,7 +132,7 @@ NpyArray parseNpy(const std::string& bytes, const std::string& source) {
   return array;
 }
 
-std::string encodeNpy(const std::string& descr, const std::vector<size_t>& shape,
+std::string encodeNpy(const std::string& descr, const std::vector<uint64_t>& shape,
                       const std::string& data) {
   std::string shapeText = "(";
   for (size_t i = 0; i < shape.size(); ++i) {
@@ -139,8 +146,8 @@ std::string encodeNpy(const std::string& descr, const std::vector<size_t>& shape
   // Magic, version, 2-byte length, header, spaces and a newline: a multiple
   // of 64 bytes in all.
   const size_t fixed = kMagicLength + 2 + 2;
-  const size_t total = (fixed + header.size() + 1 + kHeaderAlignment - 1) / kHeaderAlignment *
-                       kHeaderAlignment;
+  const size_t total =
+      (fixed + header.size() + 1 + kHeaderAlignment - 1) / kHeaderAlignment * kHeaderAlignment;
   header.append(total - fixed - header.size() - 1, ' ');
   header += '\n';
 

@@ -3,6 +3,7 @@
 #define XVKFC_TOOLS_NPY_H_
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -12,11 +13,11 @@ namespace tool {
 // "<i8"), its shape, and its element bytes in C (row-major) order.
 struct NpyArray {
   std::string descr;
-  std::vector<size_t> shape;
+  std::vector<uint64_t> shape;  // 64 bits, so that a 32-bit build cannot overflow it
   std::string data;
 
   // Product of the shape; 1 for a 0-dimensional array.
-  size_t elementCount() const;
+  uint64_t elementCount() const;
 };
 
 // Parses the bytes of a .npy file (format versions 1, 2 and 3). `source`
@@ -27,7 +28,7 @@ NpyArray parseNpy(const std::string& bytes, const std::string& source);
 
 // Bytes of a version 1.0 .npy file holding `data` with the given dtype and
 // shape. REQUIRES: data.size() == element count * element size of `descr`.
-std::string encodeNpy(const std::string& descr, const std::vector<size_t>& shape,
+std::string encodeNpy(const std::string& descr, const std::vector<uint64_t>& shape,
                       const std::string& data);
 
 // Bytes per element of a dtype text; 0 for a dtype the program does not know.

@@ -45,7 +45,8 @@ Quality measureQuality(const std::vector<int>& predicted, const std::vector<int>
 
   Quality quality;
   quality.faces = static_cast<int>(predicted.size());
-  quality.pairwise = combine(ratio(correctPairs, togetherPairs), ratio(correctPairs, samePersonPairs));
+  quality.pairwise =
+      combine(ratio(correctPairs, togetherPairs), ratio(correctPairs, samePersonPairs));
   const double faces = static_cast<double>(predicted.size());
   quality.bcubed = combine(ratio(bcubedPrecision, faces), ratio(bcubedRecall, faces));
   return quality;

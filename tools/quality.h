@@ -17,9 +17,9 @@ struct PrecisionRecall {
 };
 
 struct Quality {
-  int faces = 0;              // faces measured
-  PrecisionRecall pairwise;   // over pairs of faces
-  PrecisionRecall bcubed;     // per face, averaged over faces
+  int faces = 0;             // faces measured
+  PrecisionRecall pairwise;  // over pairs of faces
+  PrecisionRecall bcubed;    // per face, averaged over faces
 };
 
 // Measures a partition of faces: `predicted[i]` and `truth[i]` are the

@@ -54,7 +54,8 @@ std::string qualityTable(const Quality& quality) {
       << " faces with a known identity. Pairwise precision: of the pairs of faces put in one "
          "cluster, the share that are the same person; pairwise recall: of the pairs that are "
          "the same person, the share put in one cluster. BCubed averages the same two ratios per "
-         "face over its own cluster and identity. Unclustered faces count as clusters of one.</p>\n";
+         "face over its own cluster and identity. Unclustered faces count as clusters of "
+         "one.</p>\n";
   return out.str();
 }
 
@@ -84,8 +85,8 @@ std::string mainIdentity(const ClusterRecord& cluster, const std::map<int, int>&
     ++known;
   }
   if (known == 0) return "";
-  const auto best = std::max_element(votes.begin(), votes.end(),
-                                     [](const auto& a, const auto& b) { return a.second < b.second; });
+  const auto best = std::max_element(
+      votes.begin(), votes.end(), [](const auto& a, const auto& b) { return a.second < b.second; });
   return std::to_string(best->first) + " (" + std::to_string(best->second) + " of " +
          std::to_string(known) + ")";
 }
@@ -102,12 +103,14 @@ std::string clusterTable(const ReportData& data) {
       members += (i ? " " : "") + std::to_string(cluster.faceIds[i]);
     }
     if (cluster.faceIds.size() > kMembersShown) {
-      members += " &hellip; and " + std::to_string(cluster.faceIds.size() - kMembersShown) + " more";
+      members +=
+          " &hellip; and " + std::to_string(cluster.faceIds.size() - kMembersShown) + " more";
     }
     out << "<tr><td>" << (cluster.id < 0 ? "unclustered" : std::to_string(cluster.id))
         << "</td><td>" << cluster.faceIds.size() << "</td><td>"
         << (cluster.id < 0 ? "" : std::to_string(cluster.repFaceId)) << "</td>";
-    if (withIdentities) out << "<td>" << (cluster.id < 0 ? "" : mainIdentity(cluster, data.identities)) << "</td>";
+    if (withIdentities)
+      out << "<td>" << (cluster.id < 0 ? "" : mainIdentity(cluster, data.identities)) << "</td>";
     out << "<td class=\"members\">" << members << "</td></tr>\n";
   }
   out << "</table>\n";
@@ -120,12 +123,23 @@ std::string escapeHtml(const std::string& text) {
   std::string out;
   for (char c : text) {
     switch (c) {
-      case '&': out += "&amp;"; break;
-      case '<': out += "&lt;"; break;
-      case '>': out += "&gt;"; break;
-      case '"': out += "&quot;"; break;
-      case '\'': out += "&#39;"; break;
-      default: out += c;
+      case '&':
+        out += "&amp;";
+        break;
+      case '<':
+        out += "&lt;";
+        break;
+      case '>':
+        out += "&gt;";
+        break;
+      case '"':
+        out += "&quot;";
+        break;
+      case '\'':
+        out += "&#39;";
+        break;
+      default:
+        out += c;
     }
   }
   return out;
@@ -169,9 +183,8 @@ std::string renderReport(const ReportData& data) {
          "library's comparison (0 to 1023; unrelated faces score about 511, the same face 1023), "
          "faces ordered by cluster, each cluster outlined in red, unclustered faces last.";
   if (shown < view.facesWithFeatures) {
-    out << " Showing " << shown << " of " << view.facesWithFeatures
-        << " faces (every " << (view.facesWithFeatures + shown - 1) / std::max(shown, 1)
-        << "th in cluster order).";
+    out << " Showing " << shown << " of " << view.facesWithFeatures << " faces (every "
+        << (view.facesWithFeatures + shown - 1) / std::max(shown, 1) << "th in cluster order).";
   }
   out << "</p>\n<p>" << kHeatFloor << " or less <span class=\"legend\"></span> 1023</p>\n";
   out << "<p>"

@@ -16,8 +16,8 @@
 namespace tool {
 
 struct ReportData {
-  std::string title;      // "xvkfc demo", "xvkfc cluster features.npy"
-  std::string input;      // one sentence on where the faces came from
+  std::string title;                    // "xvkfc demo", "xvkfc cluster features.npy"
+  std::string input;                    // one sentence on where the faces came from
   std::vector<ClusterRecord> clusters;  // the final clusters
   std::map<int, int> identities;        // face id -> identity; empty when unknown
   std::optional<Quality> quality;       // final quality, when identities are known

@@ -18,8 +18,7 @@ void countClusters(const std::vector<ClusterRecord>& clusters, RunSummary& summa
 
 std::string describe(const Quality& quality) {
   char text[160];
-  std::snprintf(text, sizeof text,
-                "pairwise P %.3f R %.3f F %.3f | BCubed P %.3f R %.3f F %.3f",
+  std::snprintf(text, sizeof text, "pairwise P %.3f R %.3f F %.3f | BCubed P %.3f R %.3f F %.3f",
                 quality.pairwise.precision, quality.pairwise.recall, quality.pairwise.f,
                 quality.bcubed.precision, quality.bcubed.recall, quality.bcubed.f);
   return text;

@@ -13,11 +13,11 @@
 namespace tool {
 
 struct RunSummary {
-  int batch = 0;              // 1-based
-  int facesLoaded = 0;        // faces of this batch
-  int clusters = 0;           // real clusters (id >= 0) after the batch
-  int unclustered = 0;        // faces in the bucket -1 after the batch
-  double seconds = 0.0;       // loading, clustering and reading the result
+  int batch = 0;                   // 1-based
+  int facesLoaded = 0;             // faces of this batch
+  int clusters = 0;                // real clusters (id >= 0) after the batch
+  int unclustered = 0;             // faces in the bucket -1 after the batch
+  double seconds = 0.0;            // loading, clustering and reading the result
   std::optional<Quality> quality;  // over every face seen so far, when known
 };
 

@@ -30,9 +30,7 @@ std::string ErrorOf(const std::string& json) {
 }
 
 // A document with one cluster whose fields are spliced in as text.
-std::string OneCluster(const std::string& fields) {
-  return R"({"clusters": [{)" + fields + "}]}";
-}
+std::string OneCluster(const std::string& fields) { return R"({"clusters": [{)" + fields + "}]}"; }
 
 std::string Feature(int length) {
   std::string text = "[";
@@ -46,9 +44,14 @@ TEST(ClusterJsonTest, RoundTripKeepsEveryFloatBitAndTheBucket) {
   bucket.faceIds = {9, 4};
   ClusterRecord cluster = RealCluster(0, {1, 2, 7}, 2);
   // Values whose shortest decimal needs all nine digits, extremes and zeros.
-  const float awkward[] = {0.1f, 1.0f / 3.0f, 16777217.0f, std::numeric_limits<float>::denorm_min(),
-                           std::numeric_limits<float>::max(), -std::numeric_limits<float>::min(),
-                           -0.0f, 1e-38f};
+  const float awkward[] = {0.1f,
+                           1.0f / 3.0f,
+                           16777217.0f,
+                           std::numeric_limits<float>::denorm_min(),
+                           std::numeric_limits<float>::max(),
+                           -std::numeric_limits<float>::min(),
+                           -0.0f,
+                           1e-38f};
   for (size_t i = 0; i < sizeof awkward / sizeof awkward[0]; ++i) cluster.feature[i] = awkward[i];
   for (int i = 10; i < kFeatureDim; ++i) cluster.feature[i] = 1.0f / static_cast<float>(i);
 
@@ -61,12 +64,13 @@ TEST(ClusterJsonTest, RoundTripKeepsEveryFloatBitAndTheBucket) {
   EXPECT_EQ(back[1].faceIds, cluster.faceIds);
   EXPECT_EQ(back[1].repFaceId, 2);
   ASSERT_EQ(back[1].feature.size(), cluster.feature.size());
-  EXPECT_EQ(std::memcmp(back[1].feature.data(), cluster.feature.data(), kFeatureDim * sizeof(float)), 0);
+  EXPECT_EQ(
+      std::memcmp(back[1].feature.data(), cluster.feature.data(), kFeatureDim * sizeof(float)), 0);
 }
 
 TEST(ClusterJsonTest, AcceptsAFaceInTwoClustersAsTheLibraryReportsIt) {
-  const auto clusters = clustersFromJson(clustersToJson({RealCluster(0, {1, 5}, 1),
-                                                         RealCluster(1, {5, 6}, 6)}), "x");
+  const auto clusters =
+      clustersFromJson(clustersToJson({RealCluster(0, {1, 5}, 1), RealCluster(1, {5, 6}, 6)}), "x");
   EXPECT_EQ(clusters.size(), 2u);
 }
 
@@ -80,12 +84,15 @@ TEST(ClusterJsonTest, RejectsMalformedDocumentsWithTheReason) {
       {OneCluster(R"("cluster_id": 4294967296, "face_ids": [1])"), "must be an integer"},
       {OneCluster(R"("cluster_id": 0)"), "\"face_ids\" must be an array"},
       {OneCluster(R"("cluster_id": -1, "face_ids": [3, 1, 3])"), "duplicate face id 3"},
-      {OneCluster(R"("cluster_id": 0, "face_ids": [1], )" + feature), "missing \"representative_face_id\""},
+      {OneCluster(R"("cluster_id": 0, "face_ids": [1], )" + feature),
+       "missing \"representative_face_id\""},
       {OneCluster(R"("cluster_id": 0, "face_ids": [1], "representative_face_id": 1, )"
-                  R"("representative_feature": )" + Feature(959)),
+                  R"("representative_feature": )" +
+                  Feature(959)),
        "array of 960 numbers"},
-      {R"({"clusters": [{"cluster_id": 2, "face_ids": [1], "representative_face_id": 1, )" + feature +
-           R"(}, {"cluster_id": 2, "face_ids": [5], "representative_face_id": 5, )" + feature + "}]}",
+      {R"({"clusters": [{"cluster_id": 2, "face_ids": [1], "representative_face_id": 1, )" +
+           feature + R"(}, {"cluster_id": 2, "face_ids": [5], "representative_face_id": 5, )" +
+           feature + "}]}",
        "cluster 1: duplicate cluster id 2"},
   };
   for (const auto& c : cases) {

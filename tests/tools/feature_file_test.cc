@@ -64,7 +64,9 @@ TEST_F(FeatureFileTest, NpyAndRawRoundTripBitExactly) {
     const FeatureMatrix back = readFeatures(path);
     ASSERT_EQ(back.rows(), 2) << name;
     EXPECT_EQ(std::memcmp(back.values.data(), features.values.data(),
-                          features.values.size() * sizeof(float)), 0) << name;
+                          features.values.size() * sizeof(float)),
+              0)
+        << name;
   }
   // NumPy pads the header so that the data starts on a 64-byte boundary.
   const std::string npy = encodeFeatures("f.npy", features);
@@ -109,7 +111,8 @@ TEST_F(FeatureFileTest, IntegerListsFromTextAndNpy) {
             (std::vector<int>{5, -3, 2147483647}));
   std::string wide;
   for (long long v : {7LL, -1LL}) {
-    for (int i = 0; i < 8; ++i) wide += static_cast<char>((static_cast<unsigned long long>(v) >> (8 * i)) & 0xff);
+    for (int i = 0; i < 8; ++i)
+      wide += static_cast<char>((static_cast<unsigned long long>(v) >> (8 * i)) & 0xff);
   }
   EXPECT_EQ(readIntList(Write("ids.npy", encodeNpy("<i8", {2}, wide)), "ids"),
             (std::vector<int>{7, -1}));

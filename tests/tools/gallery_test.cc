@@ -16,7 +16,9 @@ double Dot(const float* a, const float* b) {
   return dot;
 }
 
-double Cosine(const float* a, const float* b) { return Dot(a, b) / std::sqrt(Dot(a, a) * Dot(b, b)); }
+double Cosine(const float* a, const float* b) {
+  return Dot(a, b) / std::sqrt(Dot(a, a) * Dot(b, b));
+}
 
 // FNV-1a over the feature bytes, to pin the gallery across platforms.
 uint64_t Fingerprint(const FeatureMatrix& features) {

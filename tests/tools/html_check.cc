@@ -17,12 +17,18 @@ std::string decodeBase64(const std::string& text) {
   int bits = 0;
   for (char c : text) {
     int value;
-    if (c >= 'A' && c <= 'Z') value = c - 'A';
-    else if (c >= 'a' && c <= 'z') value = c - 'a' + 26;
-    else if (c >= '0' && c <= '9') value = c - '0' + 52;
-    else if (c == '+') value = 62;
-    else if (c == '/') value = 63;
-    else break;  // padding
+    if (c >= 'A' && c <= 'Z')
+      value = c - 'A';
+    else if (c >= 'a' && c <= 'z')
+      value = c - 'a' + 26;
+    else if (c >= '0' && c <= '9')
+      value = c - '0' + 52;
+    else if (c == '+')
+      value = 62;
+    else if (c == '/')
+      value = 63;
+    else
+      break;  // padding
     group = (group << 6) | static_cast<uint32_t>(value);
     bits += 6;
     if (bits >= 8) {
@@ -53,9 +59,9 @@ std::vector<InlineImage> inlineImages(const std::string& html) {
     image.declaredWidth = attribute(tag, "width");
     image.declaredHeight = attribute(tag, "height");
     int channels = 0;
-    unsigned char* pixels = stbi_load_from_memory(reinterpret_cast<const unsigned char*>(png.data()),
-                                                  static_cast<int>(png.size()), &image.width,
-                                                  &image.height, &channels, 3);
+    unsigned char* pixels = stbi_load_from_memory(
+        reinterpret_cast<const unsigned char*>(png.data()), static_cast<int>(png.size()),
+        &image.width, &image.height, &channels, 3);
     if (pixels != nullptr) {
       image.rgb.assign(pixels, pixels + static_cast<size_t>(image.width) * image.height * 3);
       stbi_image_free(pixels);
@@ -77,7 +83,8 @@ std::string htmlProblem(const std::string& html) {
   for (size_t at = html.find('<', 1); at != std::string::npos; at = html.find('<', at + 1)) {
     const bool closing = html[at + 1] == '/';
     size_t nameStart = at + (closing ? 2 : 1), nameEnd = nameStart;
-    while (nameEnd < html.size() && std::isalnum(static_cast<unsigned char>(html[nameEnd]))) ++nameEnd;
+    while (nameEnd < html.size() && std::isalnum(static_cast<unsigned char>(html[nameEnd])))
+      ++nameEnd;
     const std::string name = html.substr(nameStart, nameEnd - nameStart);
     if (name.empty()) return "a '<' that starts no tag at byte " + std::to_string(at);
     if (html.find('>', at) == std::string::npos) return "unterminated tag " + name;

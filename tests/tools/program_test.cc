@@ -31,7 +31,8 @@ void ExpectSameClusters(const std::vector<ClusterRecord>& a, const std::vector<C
     EXPECT_EQ(a[i].repFaceId, b[i].repFaceId) << i;
     ASSERT_EQ(a[i].feature.size(), b[i].feature.size()) << i;
     if (a[i].feature.empty()) continue;
-    EXPECT_EQ(std::memcmp(a[i].feature.data(), b[i].feature.data(), a[i].feature.size() * 4), 0) << i;
+    EXPECT_EQ(std::memcmp(a[i].feature.data(), b[i].feature.data(), a[i].feature.size() * 4), 0)
+        << i;
   }
 }
 
@@ -135,13 +136,17 @@ TEST_F(ProgramTest, BadInputGivesOneLineAndLeavesNoOutput) {
   const std::string raw = encodeFeatures("x.raw", gallery_.features);
   std::ofstream(Path("short.raw"), std::ios::binary) << raw.substr(0, raw.size() - 1);
   std::ofstream(Path("short.npy"), std::ios::binary)
-      << encodeNpy("<f4", {static_cast<size_t>(gallery_.features.rows()), 960}, raw).substr(0, 5000);
-  std::ofstream(Path("f8.npy"), std::ios::binary) << encodeNpy("<f8", {2, 960}, raw.substr(0, 15360));
-  std::ofstream(Path("959.npy"), std::ios::binary) << encodeNpy("<f4", {1, 959}, raw.substr(0, 3836));
+      << encodeNpy("<f4", {static_cast<size_t>(gallery_.features.rows()), 960}, raw)
+             .substr(0, 5000);
+  std::ofstream(Path("f8.npy"), std::ios::binary)
+      << encodeNpy("<f8", {2, 960}, raw.substr(0, 15360));
+  std::ofstream(Path("959.npy"), std::ios::binary)
+      << encodeNpy("<f4", {1, 959}, raw.substr(0, 3836));
   WriteText("broken.json", "{\"clusters\": [");
   WriteText("below.json", R"({"clusters": [{"cluster_id": -2, "face_ids": [900]}]})");
   WriteText("bucket.json", R"({"clusters": [{"cluster_id": -1, "face_ids": [1]}]})");
-  WriteText("dup_ids.txt", Lines(std::vector<int>(gallery_.features.rows(), 4), 0, gallery_.features.rows()));
+  WriteText("dup_ids.txt",
+            Lines(std::vector<int>(gallery_.features.rows(), 4), 0, gallery_.features.rows()));
   const std::vector<std::string> inputs = tool_test::listFolder(folder_);
 
   const std::string features = Path("features.npy");
@@ -157,37 +162,42 @@ TEST_F(ProgramTest, BadInputGivesOneLineAndLeavesNoOutput) {
       {{features, "--existing", Path("broken.json")}, "broken.json: malformed JSON"},
       {{features, "--existing", Path("below.json")}, "cluster id -2 is below -1"},
       {{features, "--ids", Path("dup_ids.txt")}, "duplicate face id 4"},
-      {{features, "--existing", Path("bucket.json")}, "face id 1 is already in the existing clusters"},
+      {{features, "--existing", Path("bucket.json")},
+       "face id 1 is already in the existing clusters"},
   };
   for (const auto& c : cases) {
-    std::vector<std::string> args = {"-q", "cluster", "-o", Path("out.json"), "--report",
-                                     Path("out.html")};
+    std::vector<std::string> args = {"-q",       "cluster",       "-o", Path("out.json"),
+                                     "--report", Path("out.html")};
     args.insert(args.end(), c.args.begin(), c.args.end());
     const ProcessResult run = runProgram(args);
     EXPECT_EQ(run.exitCode, 1) << c.expected;
     EXPECT_EQ(run.err.rfind("xvkfc: error: ", 0), 0u) << run.err;
     EXPECT_NE(run.err.find(c.expected), std::string::npos) << run.err;
     EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1) << run.err;
-    EXPECT_EQ(tool_test::listFolder(folder_).size(), inputs.size()) << "an output was written: " << c.expected;
+    EXPECT_EQ(tool_test::listFolder(folder_).size(), inputs.size())
+        << "an output was written: " << c.expected;
   }
 }
 
 TEST_F(ProgramTest, CommandLineMistakesAreUsageErrors) {
   EXPECT_EQ(runProgram({}).exitCode, 2);
   EXPECT_EQ(runProgram({"cluster", Path("features.npy")}).exitCode, 2);  // no -o
-  EXPECT_EQ(runProgram({"cluster", Path("features.npy"), "-o", Path("x"), "--batch-size", "-3"}).exitCode, 2);
+  EXPECT_EQ(
+      runProgram({"cluster", Path("features.npy"), "-o", Path("x"), "--batch-size", "-3"}).exitCode,
+      2);
   const ProcessResult help = runProgram({"--help"});
   EXPECT_EQ(help.exitCode, 0);
-  for (const char* name : {"cluster", "representative", "recommend", "compare", "extract", "demo"}) {
+  for (const char* name :
+       {"cluster", "representative", "recommend", "compare", "extract", "demo"}) {
     EXPECT_NE(help.out.find(name), std::string::npos) << name;
   }
 }
 
 TEST_F(ProgramTest, ReportsQualityAndWritesAReportWhoseImagesDecode) {
   WriteText("labels.txt", Lines(gallery_.identities, 0, gallery_.identities.size()));
-  const ProcessResult run = runProgram({"-q", "cluster", Path("features.npy"), "--labels",
-                                        Path("labels.txt"), "--report", Path("report.html"),
-                                        "-o", Path("out.json")});
+  const ProcessResult run =
+      runProgram({"-q", "cluster", Path("features.npy"), "--labels", Path("labels.txt"), "--report",
+                  Path("report.html"), "-o", Path("out.json")});
   ASSERT_EQ(run.exitCode, 0) << run.err;
   EXPECT_EQ(run.err, "");
   EXPECT_NE(run.out.find("quality: pairwise P "), std::string::npos) << run.out;
@@ -270,7 +280,8 @@ TEST_F(ProgramTest, ExtractsFeaturesOfFaceRectanglesInAYuvImage) {
   const size_t size = width * height + 2 * 10 * 6;
   std::string pattern(size, '\x80'), flat(size, '\x80');
   for (int y = 0; y < height; ++y) {
-    for (int x = 0; x < width; ++x) pattern[y * width + x] = static_cast<char>((x * 13 + y * 29) % 256);
+    for (int x = 0; x < width; ++x)
+      pattern[y * width + x] = static_cast<char>((x * 13 + y * 29) % 256);
   }
   WriteText("pattern.yuv", pattern);
   WriteText("flat.yuv", flat);

@@ -46,7 +46,8 @@ class ReportTest : public testing::Test {
     for (int row : data_.view.order.rows) data_.view.faceIds.push_back(faceIds[row]);
     // Distinct scores, asymmetric on purpose so that a transposed map shows.
     for (int i = 0; i < 6; ++i) {
-      for (int j = 0; j < 6; ++j) data_.view.similarities.push_back(i == j ? 1023 : 400 + 100 * i + 7 * j);
+      for (int j = 0; j < 6; ++j)
+        data_.view.similarities.push_back(i == j ? 1023 : 400 + 100 * i + 7 * j);
     }
   }
   ReportData data_;
@@ -77,7 +78,8 @@ TEST_F(ReportTest, HeatMapShowsEachPairInClusterOrderWithClustersOutlined) {
     for (int j = 0; j < 6; ++j) {
       const Rgb expected = heatColor(data_.view.similarities[i * 6 + j]);
       EXPECT_EQ(pixel(j * cell + cell / 2, i * cell + cell / 2),
-                (std::vector<int>{expected.r, expected.g, expected.b})) << i << "," << j;
+                (std::vector<int>{expected.r, expected.g, expected.b}))
+          << i << "," << j;
     }
   }
   // Cluster 0 (two faces) is outlined; the unclustered face, last, is not.
