@@ -37,7 +37,7 @@ void rejectKnownFaces(const std::vector<int>& faceIds, const std::vector<Cluster
 }
 
 int runCluster(const ClusterOptions& options, const GlobalOptions& global) {
-  Progress progress(global.quiet);
+  Progress progress(global.quiet, global.verbose);
   progress.begin("reading " + options.features);
   const FeatureMatrix features = readFeatures(options.features);
   const std::vector<int> faceIds = readFaceIds(options.ids, features.rows());

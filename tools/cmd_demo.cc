@@ -45,7 +45,7 @@ void saveGallery(const std::string& folder, const Gallery& gallery) {
 int runDemo(const DemoOptions& options, const GlobalOptions& global) {
   const GalleryOptions& g = options.gallery;
   if (g.minFaces > g.maxFaces) throw ToolError("--min-faces must not exceed --max-faces");
-  Progress progress(global.quiet);
+  Progress progress(global.quiet, global.verbose);
   progress.begin("making the synthetic gallery");
   const Gallery gallery = makeGallery(g);
   progress.end();
