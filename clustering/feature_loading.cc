@@ -1,6 +1,7 @@
 // Loading features in canonical row order and building their similarity
 // kernel.
 #include <algorithm>
+#include <cstddef>
 #include <utility>
 
 #include "FRecogInterface.h"
@@ -25,8 +26,11 @@ int compareFeatures(const Vec<float>& a, const Vec<float>& b) {
 
 void FaceClusteringSystem::loadFeatureVector(float* feature, int faceId) {
   Vec<float> row;
-  if (!detail::runOrLogAllocFailure("malloc fail!!!(zeros in loadFeatureVector",
-                                    [&] { row = Vec<float>(detail::kFeatureDim); })) {
+  if (!detail::runOrLogAllocFailure("malloc fail!!!(zeros in loadFeatureVector", [&] {
+        row = Vec<float>(detail::kFeatureDim);
+        // Only a reset that ran out of memory leaves no feature matrix.
+        if (featureMats.empty()) featureMats.assign(1, emptyFeatureMat);
+      })) {
     return;
   }
   std::copy(feature, feature + detail::kFeatureDim, row.begin());
@@ -52,7 +56,9 @@ void FaceClusteringSystem::loadFeatureVector(float* feature, int faceId) {
     if (order > 0) break;
     if (order < 0) {
       std::swap(rows[j], rows[j + 1]);
-      std::swap(faces[j], faces[j + 1]);
+      // After a failed "add face" the face list is one short; never index
+      // past it.
+      if (static_cast<std::size_t>(j + 1) < faces.size()) std::swap(faces[j], faces[j + 1]);
     }
   }
 }

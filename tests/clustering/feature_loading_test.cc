@@ -97,6 +97,19 @@ TEST(FeatureLoading, OutOfMemoryLeavesTheDocumentedState) {
             (std::vector<std::string>{"malloc fail!!!(zeros in loadFeatureVector",
                                       "malloc fail!!!(add face in loadFeatureVector",
                                       "malloc fail!!!(in updateKernel"}));
+
+  // The face list is one short now; a later load must still stay inside it.
+  e.Load(taggedFeature(0), 0);
+  EXPECT_EQ(e.featureMats[0].rowCount(), 4);
+  EXPECT_EQ(e.faces.size(), 3u);
+}
+
+TEST(FeatureLoading, LoadingAfterAResetThatRanOutOfMemoryStillWorks) {
+  Engine e;
+  e.featureMats.clear();  // what a failed reset leaves
+  e.Load(taggedFeature(4), 4);
+  e.Load(taggedFeature(1), 1);
+  EXPECT_EQ(e.IdsAndRows(), Vec<int>({1, 4, 2}));
 }
 
 }  // namespace
