@@ -12,6 +12,12 @@
 
 namespace {
 
+// The largest application cluster id accepted. The engine hands out ids
+// 0, 1, 2, ..., so larger ones only come from damaged data; the merge numbers
+// new clusters after the largest id and keeps one flag per id up to it, which
+// past this bound would cost megabytes or overflow int.
+constexpr int kLargestClusterId = 1000000;
+
 // Logs why `list` cannot be handed to the engine and returns false, or
 // returns true when every element can be read as the merge reads it.
 bool isWellFormed(const itf_xvk_clusterinfo& list) {
@@ -28,6 +34,8 @@ bool isWellFormed(const itf_xvk_clusterinfo& list) {
     const char* why = nullptr;
     if (item.clusterId < -1) {
       why = "cluster id below -1";
+    } else if (item.clusterId > kLargestClusterId) {
+      why = "cluster id above 1000000";
     } else if (item.faceCount < 0) {
       why = "negative faceCount";
     } else if (item.faceCount > 0 && item.faceIds == nullptr) {

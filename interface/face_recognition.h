@@ -102,14 +102,14 @@ class XVKFC_EXPORT FaceRecognition {
   // similarity 0.9 or more), otherwise the bucket -1; but it is left out of
   // every cluster when the joins of all such faces (one per cluster joined)
   // are at least as many as those faces. Clusters whose features match at
-  // 0.87 or more are united. The result, read with itf_xvk_getClusterInfo, is numbered 0, 1,
-  // 2, ... plus the bucket -1.
+  // 0.87 or more are united. The result, read with itf_xvk_getClusterInfo,
+  // is numbered 0, 1, 2, ... plus the bucket -1.
   // With no queued faces nothing is clustered: `list` is not merged and the
   // previous result stays as it was.
   // Returns 1. Returns 0, logs which element is wrong, and changes nothing
   // (the queued faces stay queued) when `list` is malformed: a negative
   // count; null items for a positive count; an element with a clusterId
-  // below -1, a negative faceCount, null faceIds for a positive faceCount, or
+  // below -1 or above 1000000, a negative faceCount, null faceIds for a positive faceCount, or
   // (clusterId 0 or more) a featureDim other than 960 or a null feature. The
   // feature of an element with clusterId -1 is not read. `list` is only read.
   int itf_xvk_runClustering(itf_xvk_clusterinfo* list);

@@ -134,6 +134,7 @@ TEST_F(ClusteringCycle, MalformedListsAreRejectedAndChangeNothing) {
       [](auto& list, auto&) { list.count = -1; },
       [](auto& list, auto&) { list.items = nullptr; },
       [](auto&, auto& item) { item.clusterId = -2; },
+      [](auto&, auto& item) { item.clusterId = 1000001; },
       [](auto&, auto& item) { item.faceCount = -1; },
       [](auto&, auto& item) { item.faceIds = nullptr; },
       [](auto&, auto& item) { item.featureDim = 959; },
