@@ -9,6 +9,7 @@
 #ifndef XVKFC_TOOLS_FEATURE_FILE_H_
 #define XVKFC_TOOLS_FEATURE_FILE_H_
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -25,7 +26,11 @@ struct FeatureMatrix {
   const float* row(int i) const { return values.data() + static_cast<size_t>(i) * kFeatureDim; }
   float* row(int i) { return values.data() + static_cast<size_t>(i) * kFeatureDim; }
   void appendRow(const float* feature) {
-    values.insert(values.end(), feature, feature + kFeatureDim);
+    // Resize and copy rather than a range insert, which GCC 12 at -O3
+    // wrongly reports as an overflow.
+    const size_t end = values.size();
+    values.resize(end + kFeatureDim);
+    std::copy(feature, feature + kFeatureDim, values.begin() + end);
   }
 };
 
