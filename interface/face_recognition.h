@@ -70,8 +70,10 @@ class XVKFC_EXPORT FaceRecognition {
   // Returns featureBuffer holding the 960 floats, overwritten by the next
   // extraction; null when the image is invalid (logs "Invalid Image Data"),
   // when no landmarks are found or when extraction fails (featureBuffer is
-  // then unchanged). `landmarks` is neither read nor written.
-  // REQUIRES: dataLength >= the planar 4:2:0 size; checked.
+  // then unchanged). The image is invalid when it is null, a size is not
+  // positive, dataLength is shorter than the planar 4:2:0 size, or
+  // width x height x 3 does not fit in an int. `landmarks` is neither read
+  // nor written.
   float* itf_xvk_extractFeature(unsigned char* image, int dataLength, int width, int height,
                                 itf_xvk_faceroi roi, itf_xvk_landmark* landmarks);
   // The same without the landmark argument.
