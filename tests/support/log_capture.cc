@@ -2,8 +2,6 @@
 
 #include <android/log.h>
 
-#include <algorithm>
-
 #include "support/alloc_failure.h"
 
 namespace testing_support {
@@ -34,11 +32,6 @@ std::vector<std::string> LogCapture::messages() const {
   std::vector<std::string> out;
   for (const LogLine& line : lines) out.push_back(line.message);
   return out;
-}
-
-bool LogCapture::contains(const std::string& message) const {
-  return std::any_of(lines.begin(), lines.end(),
-                     [&](const LogLine& line) { return line.message == message; });
 }
 
 }  // namespace testing_support

@@ -26,7 +26,6 @@ class LogCapture {
 
   // The messages alone, in order.
   std::vector<std::string> messages() const;
-  bool contains(const std::string& message) const;
 };
 
 }  // namespace testing_support

@@ -44,20 +44,25 @@ void resetScripted() { scripted() = ScriptedClosedLibs(); }
 using testing_support::scripted;
 using Unrecorded = alloc_failure::Suspended;  // the doubles' own allocations
 
-CFRecogInterface::CFRecogInterface() : state_(nullptr) {
+namespace {
+
+void record(const std::string& event) {
   Unrecorded scope;
-  scripted().events.push_back("FR ctor");
+  scripted().events.push_back(event);
 }
 
-CFRecogInterface::~CFRecogInterface() {
-  Unrecorded scope;
-  scripted().events.push_back("FR dtor");
+std::string initEvent(const char* library, int value, const char* modelPath) {
+  return std::string(library) + " Init " + std::to_string(value) + " " +
+         (modelPath ? modelPath : "(null)");
 }
+
+}  // namespace
+
+CFRecogInterface::CFRecogInterface() : state_(nullptr) { record("FR ctor"); }
+CFRecogInterface::~CFRecogInterface() { record("FR dtor"); }
 
 int CFRecogInterface::Init(int featureDim, const char* modelPath) {
-  Unrecorded scope;
-  scripted().events.push_back("FR Init " + std::to_string(featureDim) + " " +
-                              (modelPath ? modelPath : "(null)"));
+  record(initEvent("FR", featureDim, modelPath));
   return scripted().recognizerInitResult;
 }
 
@@ -65,14 +70,9 @@ float* CFRecogInterface::RunFeatureExtraction(unsigned char* image, int width, i
                                               float* landmarks, bool* options,
                                               TAVOFEImageFormat::EImageFormat format) {
   Unrecorded scope;
-  testing_support::ExtractionCall call;
-  call.bgr.assign(image, image + static_cast<size_t>(width) * height * 3);
-  call.width = width;
-  call.height = height;
-  call.landmarks = landmarks;
-  call.options.assign(options, options + 11);
-  call.format = static_cast<int>(format);
-  scripted().extractions.push_back(std::move(call));
+  scripted().extractions.push_back(
+      {std::vector<unsigned char>(image, image + static_cast<size_t>(width) * height * 3), width,
+       height, landmarks, std::vector<bool>(options, options + 11), static_cast<int>(format)});
   if (scripted().extractorFails) return nullptr;
   auto* block = static_cast<float*>(std::malloc(960 * sizeof(float)));
   std::memcpy(block, scripted().featureToExtract.data(), 960 * sizeof(float));
@@ -82,30 +82,20 @@ float* CFRecogInterface::RunFeatureExtraction(unsigned char* image, int width, i
 float CFRecogInterface::RunComparison(float* a, float* b) {
   Unrecorded scope;
   scripted().comparisons.push_back(
-      {testing_support::featureKey(a), testing_support::featureKey(b), a, b});
+      {testing_support::featureKey(a), testing_support::featureKey(b), a});
   return scripted().scoreFor(a, b);
 }
 
 int CFRecogInterface::Release() {
-  Unrecorded scope;
-  scripted().events.push_back("FR Release");
+  record("FR Release");
   return 1;
 }
 
-CLandmarkInterface::CLandmarkInterface() : state(nullptr), landmarks(nullptr) {
-  Unrecorded scope;
-  scripted().events.push_back("LD ctor");
-}
-
-CLandmarkInterface::~CLandmarkInterface() {
-  Unrecorded scope;
-  scripted().events.push_back("LD dtor");
-}
+CLandmarkInterface::CLandmarkInterface() : state(nullptr), landmarks(nullptr) { record("LD ctor"); }
+CLandmarkInterface::~CLandmarkInterface() { record("LD dtor"); }
 
 int CLandmarkInterface::Init(int mode, const char* modelPath) {
-  Unrecorded scope;
-  scripted().events.push_back("LD Init " + std::to_string(mode) + " " +
-                              (modelPath ? modelPath : "(null)"));
+  record(initEvent("LD", mode, modelPath));
   return scripted().landmarkInitResult;
 }
 
@@ -120,7 +110,6 @@ int CLandmarkInterface::RunLandmarkDetection(unsigned char* image, int width, in
 }
 
 int CLandmarkInterface::Release() {
-  Unrecorded scope;
-  scripted().events.push_back("LD Release");
+  record("LD Release");
   return 1;
 }

@@ -34,7 +34,6 @@ struct ExtractionCall {
 struct Comparison {
   uint64_t first, second;  // featureKey of the two arguments, in call order
   const float* firstPointer;
-  const float* secondPointer;
 };
 
 // Everything the doubles answer and record. One process-wide instance,

@@ -1,4 +1,4 @@
-// Building test inputs with chosen similarities.
+// Test features that are told apart by the scripted comparator.
 #ifndef XVKFC_TESTS_SUPPORT_SIMILARITIES_H_
 #define XVKFC_TESTS_SUPPORT_SIMILARITIES_H_
 
@@ -9,20 +9,12 @@ namespace testing_support {
 // A 960-float feature whose element 0 is `tag` and whose other elements are a
 // fixed pattern of the tag. Tagged features sort (and so load) in ascending
 // tag order, and distinct tags give distinct features.
-std::vector<float> taggedFeature(int tag);
-
-// Scripts the comparator so that the kernel similarity (score + 1) * 0.5 of
-// taggedFeature(i) and taggedFeature(j) is similarity[i][j]. The score is
-// 2 * similarity - 1, which gives the similarity back exactly for similarities
-// of 0.25 and above. Returns the features, in tag order 0 .. n-1.
-std::vector<std::vector<float>> scriptSimilarities(
-    const std::vector<std::vector<float>>& similarity);
-
-// A kernel (as the engine stores it) of `blockSizes` blocks of faces:
-// `inside` between faces of one block, `between` across blocks, 1 on the
-// diagonal.
-std::vector<std::vector<float>> blockSimilarities(const std::vector<int>& blockSizes, float inside,
-                                                  float between);
+inline std::vector<float> taggedFeature(int tag) {
+  std::vector<float> feature(960);
+  feature[0] = static_cast<float>(tag);
+  for (int i = 1; i < 960; ++i) feature[i] = static_cast<float>((tag * 31 + i * 7) % 97) / 97.0f;
+  return feature;
+}
 
 }  // namespace testing_support
 
