@@ -102,14 +102,11 @@ TEST(FeatureLoading, OutOfMemoryLeavesTheDocumentedState) {
   e.Load(taggedFeature(0), 0);
   EXPECT_EQ(e.featureMats[0].rowCount(), 4);
   EXPECT_EQ(e.faces.size(), 3u);
-}
-
-TEST(FeatureLoading, LoadingAfterAResetThatRanOutOfMemoryStillWorks) {
-  Engine e;
-  e.featureMats.clear();  // what a failed reset leaves
-  e.Load(taggedFeature(4), 4);
-  e.Load(taggedFeature(1), 1);
-  EXPECT_EQ(e.IdsAndRows(), Vec<int>({1, 4, 2}));
+  // A reset that ran out of memory leaves no feature matrix; loading makes one.
+  Engine reset;
+  reset.featureMats.clear();
+  for (int tag : {4, 1}) reset.Load(taggedFeature(tag), tag);
+  EXPECT_EQ(reset.IdsAndRows(), Vec<int>({1, 4, 2}));
 }
 
 }  // namespace

@@ -56,9 +56,9 @@ class ClusteringCycle : public testing::Test {
   }
   // Makes each allocation of `body` fail in turn, with `prepare` before
   // each, and hands `check` the last line logged. Returns every line logged.
-  std::set<std::string> FailEachAllocation(const std::function<void()>& prepare,
-                                           const std::function<void()>& body,
-                                           const std::function<void(const std::string&)>& check) {
+  std::set<std::string> FailEachAllocation(
+      const std::function<void()>& prepare, const std::function<void()>& body,
+      const std::function<void(const std::string&)>& check = [](const std::string&) {}) {
     prepare();
     const long allocations = alloc_failure::countAllocations(body);
     std::set<std::string> seen;
@@ -68,7 +68,7 @@ class ClusteringCycle : public testing::Test {
       alloc_failure::failNth(k);
       body();
       alloc_failure::disarm();
-      for (const auto& line : log.lines) seen.insert(line.message);
+      for (const std::string& message : log.messages()) seen.insert(message);
       check(log.lines.empty() ? std::string() : log.lines.back().message);
     }
     return seen;
@@ -224,11 +224,9 @@ TEST_F(ClusteringCycle, RunningOutOfMemoryIsLoggedAndNeverEscapes) {
 
   std::vector<float> features = taggedFeature(10);
   seen.merge(FailEachAllocation(
-      [] {}, [&] { std::free(handle.itf_xvk_getClusterFeature(features.data(), 1)); },
-      [](const std::string&) {}));
-  seen.merge(
-      FailEachAllocation([&] { std::vector<clusterinfo>().swap(handle.engine->clusterInfos); },
-                         [&] { Read(); }, [&](const std::string&) {}));
+      [] {}, [&] { std::free(handle.itf_xvk_getClusterFeature(features.data(), 1)); }));
+  seen.merge(FailEachAllocation(
+      [&] { std::vector<clusterinfo>().swap(handle.engine->clusterInfos); }, [&] { Read(); }));
   for (const char* message :
        {"malloc fail!!!(in getClusterFeature(Cluster, ivec)",
         "malloc fail!!!(features assign in getClusterFeature(float*, int, ivec, int*)",
