@@ -7,15 +7,10 @@
 #include "tools/batch_run.h"
 #include "tools/commands.h"
 #include "tools/report.h"
-#include "tools/similarity_view.h"
 #include "tools/tool_error.h"
 
 namespace tool {
 namespace {
-
-// The heat map shows at most this many faces; more are thinned out, since
-// the report compares every shown pair.
-constexpr int kReportMaxFaces = 600;
 
 struct ClusterOptions {
   std::string features, ids, existing, output, labels, report;
@@ -77,11 +72,8 @@ int runCluster(const ClusterOptions& options, const GlobalOptions& global) {
         (options.existing.empty() ? "" : ", merged into the clusters of " + options.existing) + ".";
     report.clusters = clusters;
     report.identities = plan.identities;
-    report.quality = last.quality;
     report.batches = batches;
-    report.view =
-        buildSimilarityView(session, features, faceIds, clusters, kReportMaxFaces, progress);
-    writeReport(options.report, report);
+    writeBatchReport(options.report, std::move(report), session, features, faceIds, progress);
     std::printf("report written to %s\n", options.report.c_str());
   }
   return kExitOk;

@@ -35,9 +35,7 @@ Command addCompareCommand(CLI::App& app, const GlobalOptions& global) {
       "Scores features against each other (itf_xvk_compareFeature): 1023 for the same feature, "
       "about 511 for unrelated faces, 0 for opposite ones. Prints one line per feature of A with "
       "its tab-separated scores against every feature of B (B defaults to A).");
-  sub->add_option("A", options->first, "Features: .npy (N x 960 float32) or raw float32")
-      ->type_name("FILE")
-      ->required();
+  addFeaturesArgument(sub, "A", options->first);
   sub->add_option("B", options->second, "Features to compare with (default: A itself)")
       ->type_name("FILE");
   return {sub, [options, &global] { return runCompare(*options, global); }};

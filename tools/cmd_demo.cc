@@ -12,14 +12,10 @@
 #include "tools/commands.h"
 #include "tools/gallery.h"
 #include "tools/report.h"
-#include "tools/similarity_view.h"
 #include "tools/tool_error.h"
 
 namespace tool {
 namespace {
-
-// The demo's gallery is small enough to show every face on the heat map.
-constexpr int kReportMaxFaces = 600;
 
 struct DemoOptions {
   GalleryOptions gallery;
@@ -99,11 +95,9 @@ int runDemo(const DemoOptions& options, const GlobalOptions& global) {
     report.input = input;
     report.clusters = clusters;
     report.identities = plan.identities;
-    report.quality = last.quality;
     report.batches = batches;
-    report.view = buildSimilarityView(session, gallery.features, gallery.faceIds, clusters,
-                                      kReportMaxFaces, progress);
-    writeReport(options.report, report);
+    writeBatchReport(options.report, std::move(report), session, gallery.features, gallery.faceIds,
+                     progress);
     std::printf("Report written to %s\n", options.report.c_str());
   }
   return kExitOk;
@@ -121,27 +115,17 @@ Command addDemoCommand(CLI::App& app, const GlobalOptions& global) {
       "the faces, clusters, unclustered faces, time and quality.");
   GalleryOptions& g = options->gallery;
   sub->add_option("--seed", g.seed, "Seed of the gallery")->capture_default_str();
-  sub->add_option("--people", g.people, "People with several faces")
-      ->capture_default_str()
-      ->check(CLI::Range(1, 10000));
-  sub->add_option("--min-faces", g.minFaces, "Fewest faces per person")
-      ->capture_default_str()
-      ->check(CLI::Range(1, 1000));
-  sub->add_option("--max-faces", g.maxFaces, "Most faces per person")
-      ->capture_default_str()
-      ->check(CLI::Range(1, 1000));
-  sub->add_option("--look-alikes", g.lookAlikes, "People who resemble another person")
-      ->capture_default_str()
-      ->check(CLI::Range(0, 10000));
-  sub->add_option("--lone", g.loneFaces, "People with a single face")
-      ->capture_default_str()
-      ->check(CLI::Range(0, 10000));
-  sub->add_option("--duplicates", g.duplicates, "Exact copies of faces under new face ids")
-      ->capture_default_str()
-      ->check(CLI::Range(0, 10000));
-  sub->add_option("--batches", options->batches, "Clustering runs the gallery is split into")
-      ->capture_default_str()
-      ->check(CLI::Range(1, 1000));
+  // A count with its default shown and the range it must lie in.
+  auto addCount = [sub](const char* name, int& count, const char* help, int low, int high) {
+    sub->add_option(name, count, help)->capture_default_str()->check(CLI::Range(low, high));
+  };
+  addCount("--people", g.people, "People with several faces", 1, 10000);
+  addCount("--min-faces", g.minFaces, "Fewest faces per person", 1, 1000);
+  addCount("--max-faces", g.maxFaces, "Most faces per person", 1, 1000);
+  addCount("--look-alikes", g.lookAlikes, "People who resemble another person", 0, 10000);
+  addCount("--lone", g.loneFaces, "People with a single face", 0, 10000);
+  addCount("--duplicates", g.duplicates, "Exact copies of faces under new face ids", 0, 10000);
+  addCount("--batches", options->batches, "Clustering runs the gallery is split into", 1, 1000);
   sub->add_option("-o,--output", options->output, "Also write the final clusters file (JSON)")
       ->type_name("FILE");
   sub->add_option("--report", options->report, "Write a self-contained HTML report")

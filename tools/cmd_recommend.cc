@@ -33,15 +33,12 @@ Command addRecommendCommand(CLI::App& app, const GlobalOptions& global) {
       "For each feature in FEATURES, asks the library (itf_xvk_recommendCluster) which cluster of "
       "--clusters fits best. Prints one line per feature: face id, a tab, and the cluster id, or "
       "-1 when no cluster scores 921 or more of 1023.");
-  sub->add_option("FEATURES", options->features, "Features: .npy (N x 960 float32) or raw float32")
-      ->type_name("FILE")
-      ->required();
+  addFeaturesArgument(sub, "FEATURES", options->features);
   sub->add_option("--clusters", options->clusters,
                   "Clusters file (JSON) written by 'xvkfc cluster'")
       ->type_name("FILE")
       ->required();
-  sub->add_option("--ids", options->ids, "Face id of each feature (default: 0..N-1)")
-      ->type_name("FILE");
+  addFaceIdsOption(sub, options->ids);
   return {sub, [options, &global] { return runRecommend(*options, global); }};
 }
 

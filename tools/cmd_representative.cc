@@ -47,11 +47,8 @@ Command addRepresentativeCommand(CLI::App& app, const GlobalOptions& global) {
   sub->footer(
       "Asks the library (itf_xvk_getClusterFeature) for the representative of the features in "
       "FEATURES: the face most similar on average to the others. Prints its row and face id.");
-  sub->add_option("FEATURES", options->features, "Features: .npy (N x 960 float32) or raw float32")
-      ->type_name("FILE")
-      ->required();
-  sub->add_option("--ids", options->ids, "Face id of each feature (default: 0..N-1)")
-      ->type_name("FILE");
+  addFeaturesArgument(sub, "FEATURES", options->features);
+  addFaceIdsOption(sub, options->ids);
   sub->add_option("-o,--output", options->output,
                   "Write the representative feature here (.npy or raw by name)")
       ->type_name("FILE");

@@ -23,6 +23,19 @@ struct Command {
   std::function<int()> run;
 };
 
+// Adds the required FILE argument `name` of a subcommand that reads features.
+inline CLI::Option* addFeaturesArgument(CLI::App* sub, const std::string& name, std::string& path) {
+  return sub->add_option(name, path, "Features: .npy (N x 960 float32) or raw float32")
+      ->type_name("FILE")
+      ->required();
+}
+
+// Adds --ids, the optional file of face ids for the features.
+inline CLI::Option* addFaceIdsOption(CLI::App* sub, std::string& path) {
+  return sub->add_option("--ids", path, "Face id of each feature (default: 0..N-1)")
+      ->type_name("FILE");
+}
+
 Command addClusterCommand(CLI::App& app, const GlobalOptions& global);
 Command addRepresentativeCommand(CLI::App& app, const GlobalOptions& global);
 Command addRecommendCommand(CLI::App& app, const GlobalOptions& global);

@@ -39,10 +39,7 @@ int main(int argc, char** argv) {
     for (const tool::Command& command : commands) {
       if (command.subcommand->parsed()) return command.run();
     }
-  } catch (const tool::ToolError& e) {
-    std::fprintf(stderr, "xvkfc: error: %s\n", e.what());
-    return tool::kExitBadInput;
-  } catch (const std::exception& e) {
+  } catch (const std::exception& e) {  // ToolError and the library's own failures
     std::fprintf(stderr, "xvkfc: error: %s\n", e.what());
     return tool::kExitBadInput;
   }

@@ -14,6 +14,9 @@ namespace {
 // The heat map is drawn at least this many pixels wide when it has few faces.
 constexpr int kHeatMapTargetPixels = 640;
 constexpr int kHeatMapMaxScale = 12;
+// A run's heat map shows at most this many faces; more are thinned out,
+// since the report compares every shown pair.
+constexpr int kReportMaxFaces = 600;
 // Members listed per cluster row before the list is cut short.
 constexpr size_t kMembersShown = 40;
 
@@ -204,6 +207,15 @@ std::string renderReport(const ReportData& data) {
 
 void writeReport(const std::string& path, const ReportData& data) {
   writeFileAtomically(path, renderReport(data));
+}
+
+void writeBatchReport(const std::string& path, ReportData data, EngineSession& session,
+                      const FeatureMatrix& features, const std::vector<int>& faceIds,
+                      Progress& progress) {
+  data.quality = data.batches.back().quality;
+  data.view =
+      buildSimilarityView(session, features, faceIds, data.clusters, kReportMaxFaces, progress);
+  writeReport(path, data);
 }
 
 }  // namespace tool

@@ -31,6 +31,15 @@ std::string renderReport(const ReportData& data);
 // Writes the page without ever leaving a partial file.
 void writeReport(const std::string& path, const ReportData& data);
 
+// Writes the report of a run clustered batch after batch. `data` comes with
+// its title, input, clusters, identities and batches; the quality is the
+// last batch's, and the heat map shows at most 600 rows of `features`
+// under `faceIds`, compared through `session`.
+// REQUIRES: !data.batches.empty().
+void writeBatchReport(const std::string& path, ReportData data, EngineSession& session,
+                      const FeatureMatrix& features, const std::vector<int>& faceIds,
+                      Progress& progress);
+
 // `text` with &, <, >, " and ' replaced by character references.
 std::string escapeHtml(const std::string& text);
 
