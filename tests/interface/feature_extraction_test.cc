@@ -4,7 +4,6 @@
 #include <climits>
 #include <cmath>
 #include <string>
-#include <tuple>
 #include <vector>
 
 #include "interface/face_recognition.h"
@@ -83,15 +82,10 @@ TEST_F(FeatureExtraction, RejectsUnreadableFramesBeforeAnyLibraryCall) {
   // Non-positive values; one byte short of 8 + 2 * 2 * 1 and of 15 + 2 * 3 * 2;
   // width * height past INT_MAX; a frame that fits in an int but whose BGR
   // copy (3 bytes a pixel) does not.
-  for (const auto& [length, width, height] : {std::tuple{0, 4, 2},
-                                              {12, 0, 2},
-                                              {12, 4, -1},
-                                              {11, 4, 2},
-                                              {26, 5, 3},
-                                              {INT_MAX, 65536, 65536},
-                                              {INT_MAX, 40000, 25000}}) {
-    EXPECT_EQ(extract(length, width, height), nullptr) << length << " " << width << "x" << height;
-  }
+  const int lengths[] = {0, 12, 12, 11, 26, INT_MAX, INT_MAX};
+  const int widths[] = {4, 0, 4, 4, 5, 65536, 40000};
+  const int heights[] = {2, 2, -1, 2, 3, 65536, 25000};
+  for (int i = 0; i < 7; ++i) EXPECT_EQ(extract(lengths[i], widths[i], heights[i]), nullptr) << i;
   EXPECT_EQ(log.messages(), std::vector<std::string>(8, "Invalid Image Data"));
   EXPECT_TRUE(scripted().landmarkCalls.empty());
   frame.assign(27, 128);  // exactly 5 x 3
@@ -105,16 +99,11 @@ TEST_F(FeatureExtraction, CompareChecksBothFeaturesThenMapsOntoZeroTo1023) {
   EXPECT_EQ(handle.itf_xvk_compareFeature(reg.data(), nullptr), -1);
   EXPECT_EQ(log.messages(), (std::vector<std::string>{"reg == NULL\n", "test == NULL\n"}));
 
-  for (const auto& [score, expected] : {std::pair{-1.0f, 0},
-                                        {0.0f, 511},
-                                        {0.999f, 1022},
-                                        {1.0f, 1023},
-                                        {1.5f, 1023},
-                                        {-1.5f, 0},
-                                        {INFINITY, 1023},
-                                        {std::nanf(""), 0}}) {
-    scripted().fallback = [score = score](const float*, const float*) { return score; };
-    EXPECT_EQ(handle.itf_xvk_compareFeature(reg.data(), test.data()), expected) << score;
+  const float scores[] = {-1.0f, 0.0f, 0.999f, 1.0f, 1.5f, -1.5f, INFINITY, std::nanf("")};
+  const int expected[] = {0, 511, 1022, 1023, 1023, 0, 1023, 0};
+  for (int i = 0; i < 8; ++i) {
+    scripted().fallback = [score = scores[i]](const float*, const float*) { return score; };
+    EXPECT_EQ(handle.itf_xvk_compareFeature(reg.data(), test.data()), expected[i]) << scores[i];
   }
 }
 

@@ -7,16 +7,12 @@ namespace {
 
 long countdown = 0;  // > 0: allocations left until the one that fails
 long counted = 0;
-bool failureFired = false;
 int suspendDepth = 0;
 
 void* allocate(std::size_t size) {
   if (suspendDepth == 0) {
     ++counted;
-    if (countdown > 0 && --countdown == 0) {
-      failureFired = true;
-      throw std::bad_alloc();
-    }
+    if (countdown > 0 && --countdown == 0) throw std::bad_alloc();
   }
   void* p = std::malloc(size == 0 ? 1 : size);
   if (p == nullptr) throw std::bad_alloc();
@@ -35,14 +31,9 @@ void* allocateOrNull(std::size_t size) noexcept {
 
 namespace alloc_failure {
 
-void failNth(long n) {
-  countdown = n > 0 ? n : 0;
-  failureFired = false;
-}
+void failNth(long n) { countdown = n > 0 ? n : 0; }
 
 void disarm() { countdown = 0; }
-
-bool fired() { return failureFired; }
 
 long countAllocations(const std::function<void()>& body) {
   const long before = counted;

@@ -19,8 +19,6 @@ namespace alloc_failure {
 // ones succeed again. n <= 0 disarms.
 void failNth(long n);
 void disarm();
-// Whether the armed failure has happened.
-bool fired();
 
 // Runs `body` and returns how many allocations it made.
 long countAllocations(const std::function<void()>& body);
