@@ -2,9 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <cstring>
-#include <fstream>
 #include <limits>
 
 #include "process.h"
@@ -14,76 +12,56 @@
 namespace tool {
 namespace {
 
-class FeatureFileTest : public testing::Test {
- protected:
-  std::string Write(const std::string& name, const std::string& bytes) {
-    const std::string path = folder_ + "/" + name;
-    std::ofstream(path, std::ios::binary) << bytes;
-    return path;
+// The message of the ToolError that `read` throws; empty when it throws none.
+template <typename Read>
+std::string ErrorOf(Read read) {
+  try {
+    read();
+  } catch (const ToolError& e) {
+    return e.what();
   }
-  // The message readFeatures gives for `bytes` stored as `name`; empty when
-  // it reads them.
-  std::string FeatureError(const std::string& name, const std::string& bytes) {
-    try {
-      readFeatures(Write(name, bytes));
-    } catch (const ToolError& e) {
-      return e.what();
-    }
-    return "";
-  }
-  static FeatureMatrix TwoFeatures() {
-    FeatureMatrix features;
-    features.values.resize(2 * kFeatureDim);
-    for (int i = 0; i < 2 * kFeatureDim; ++i) features.values[i] = (i % 7) * 0.25f - 1.0f;
-    features.values[3] = -0.0f;
-    features.values[5] = std::numeric_limits<float>::denorm_min();
-    return features;
-  }
-  // A .npy file with a hand-written header dictionary.
-  static std::string Npy(int version, const std::string& header, const std::string& data) {
-    std::string bytes = std::string("\x93NUMPY", 6) + static_cast<char>(version) + '\0';
-    for (int i = 0; i < (version == 1 ? 2 : 4); ++i) {
-      bytes += static_cast<char>((header.size() >> (8 * i)) & 0xff);
-    }
-    return bytes + header + data;
-  }
-  static std::string RawOf(const FeatureMatrix& features) {
-    return encodeFeatures("x.raw", features);
-  }
+  return "";
+}
 
-  ~FeatureFileTest() override { tool_test::removeFolder(folder_); }
+// Two features holding -0.0 and the smallest denormal among plain values.
+FeatureMatrix TwoFeatures() {
+  FeatureMatrix features;
+  for (int i = 0; i < 2 * kFeatureDim; ++i) features.values.push_back((i % 7) * 0.25f - 1.0f);
+  features.values[3] = -0.0f;
+  features.values[5] = std::numeric_limits<float>::denorm_min();
+  return features;
+}
 
-  std::string folder_ = tool_test::makeTempFolder();
-};
+// A .npy file with a hand-written header dictionary.
+std::string Npy(int version, const std::string& header, const std::string& data) {
+  std::string bytes = std::string("\x93NUMPY", 6) + static_cast<char>(version) + '\0';
+  for (int i = 0; i < (version == 1 ? 2 : 4); ++i) {
+    bytes += static_cast<char>((header.size() >> (8 * i)) & 0xff);
+  }
+  return bytes + header + data;
+}
 
-TEST_F(FeatureFileTest, NpyAndRawRoundTripBitExactly) {
+TEST(FeatureFileTest, RoundTripsBitExactlyAndReadsTheOtherNpyLayouts) {
+  const tool_test::TempFolder folder;
   const FeatureMatrix features = TwoFeatures();
-  for (const char* name : {"f.npy", "f.raw", "f.bin"}) {
-    const std::string path = folder_ + "/" + name;
-    writeFeatures(path, features);
-    const FeatureMatrix back = readFeatures(path);
+  for (const char* name : {"f.npy", "f.raw"}) {
+    writeFeatures(folder.path(name), features);
+    const FeatureMatrix back = readFeatures(folder.path(name));
     ASSERT_EQ(back.rows(), 2) << name;
-    EXPECT_EQ(std::memcmp(back.values.data(), features.values.data(),
-                          features.values.size() * sizeof(float)),
-              0)
+    EXPECT_EQ(std::memcmp(back.values.data(), features.values.data(), 2 * kFeatureDim * 4), 0)
         << name;
   }
-  // NumPy pads the header so that the data starts on a 64-byte boundary.
-  const std::string npy = encodeFeatures("f.npy", features);
-  EXPECT_EQ((npy.size() - features.values.size() * sizeof(float)) % 64, 0u);
-}
 
-TEST_F(FeatureFileTest, ReadsOneFeatureOfShape960AndVersion2Headers) {
-  const FeatureMatrix features = TwoFeatures();
-  const std::string data = RawOf(features).substr(0, kFeatureDim * 4);
-  EXPECT_EQ(readFeatures(Write("one.npy", encodeNpy("<f4", {960}, data))).rows(), 1);
-
+  // One feature of shape (960,), and a version 2 header.
+  const std::string data = encodeFeatures("x.raw", features).substr(0, kFeatureDim * 4);
+  EXPECT_EQ(readFeatures(folder.write("one.npy", encodeNpy("<f4", {960}, data))).rows(), 1);
   const std::string header = "{'descr': '<f4', 'fortran_order': False, 'shape': (1, 960), }\n";
-  EXPECT_EQ(readFeatures(Write("v2.npy", Npy(2, header, data))).rows(), 1);
+  EXPECT_EQ(readFeatures(folder.write("v2.npy", Npy(2, header, data))).rows(), 1);
 }
 
-TEST_F(FeatureFileTest, RejectsBadFeatureFilesWithTheReason) {
-  const std::string raw = RawOf(TwoFeatures());
+TEST(FeatureFileTest, RejectsBadFeatureFilesWithTheReason) {
+  const tool_test::TempFolder folder;
+  const std::string raw = encodeFeatures("x.raw", TwoFeatures());
   std::string nan = raw;
   const float notANumber = std::numeric_limits<float>::quiet_NaN();
   std::memcpy(&nan[4 * (kFeatureDim + 2)], &notANumber, 4);
@@ -91,6 +69,10 @@ TEST_F(FeatureFileTest, RejectsBadFeatureFilesWithTheReason) {
     std::string name, bytes, expected;
   } cases[] = {
       {"long.npy", encodeNpy("<f4", {1, 960}, raw), "after the array data"},
+      {"short.npy", encodeNpy("<f4", {2, 960}, raw).substr(0, 5000), "truncated"},
+      {"f8.npy", encodeNpy("<f8", {1, 960}, raw), "features must be float32"},
+      {"959.npy", encodeNpy("<f4", {1, 959}, raw.substr(0, 3836)),
+       "shape (N, 960), the file holds (1, 959)"},
       {"magic.npy", raw, "not a NumPy"},
       {"fortran.npy",
        Npy(1, "{'descr': '<f4', 'fortran_order': True, 'shape': (1, 960), }\n",
@@ -100,23 +82,18 @@ TEST_F(FeatureFileTest, RejectsBadFeatureFilesWithTheReason) {
       {"nan.raw", nan, "feature 1 has a value that is not finite (element 2)"},
   };
   for (const auto& c : cases) {
-    EXPECT_NE(FeatureError(c.name, c.bytes).find(c.expected), std::string::npos)
-        << c.name << ": " << FeatureError(c.name, c.bytes);
+    const std::string message = ErrorOf([&] { readFeatures(folder.write(c.name, c.bytes)); });
+    EXPECT_NE(message.find(c.expected), std::string::npos) << c.name << ": " << message;
   }
-  EXPECT_NE(FeatureError("missing/none.npy", "").find("cannot"), std::string::npos);
 }
 
-TEST_F(FeatureFileTest, IntegerListsFromTextAndNpy) {
-  EXPECT_EQ(readIntList(Write("ids.txt", " 5\n-3\t2147483647\n"), "ids"),
+TEST(FeatureFileTest, IntegerListsFromTextAndNpy) {
+  const tool_test::TempFolder folder;
+  EXPECT_EQ(readIntList(folder.write("ids.txt", " 5\n-3\t2147483647\n"), "ids"),
             (std::vector<int>{5, -3, 2147483647}));
-  std::string wide;
-  for (long long v : {7LL, -1LL}) {
-    for (int i = 0; i < 8; ++i)
-      wide += static_cast<char>((static_cast<unsigned long long>(v) >> (8 * i)) & 0xff);
-  }
-  EXPECT_EQ(readIntList(Write("ids.npy", encodeNpy("<i8", {2}, wide)), "ids"),
+  const std::string wide = std::string("\x07\0\0\0\0\0\0\0", 8) + std::string(8, '\xff');
+  EXPECT_EQ(readIntList(folder.write("ids.npy", encodeNpy("<i8", {2}, wide)), "ids"),
             (std::vector<int>{7, -1}));
-  EXPECT_EQ(readFaceIds("", 3), (std::vector<int>{0, 1, 2}));
 
   const struct {
     std::string name, bytes, expected;
@@ -124,15 +101,11 @@ TEST_F(FeatureFileTest, IntegerListsFromTextAndNpy) {
       {"word.txt", "1 2 x3", "'x3' is not an integer"},
       {"range.txt", "1 2147483648", "does not fit"},
       {"count.txt", "1 2", "holds 2 face ids for 3 features"},
+      {"dup.txt", "4 1 4", "duplicate face id 4"},
       {"f4.npy", encodeNpy("<f4", {3}, std::string(12, '\0')), "must be integers"},
   };
   for (const auto& c : cases) {
-    std::string message;
-    try {
-      readFaceIds(Write(c.name, c.bytes), 3);
-    } catch (const ToolError& e) {
-      message = e.what();
-    }
+    const std::string message = ErrorOf([&] { readFaceIds(folder.write(c.name, c.bytes), 3); });
     EXPECT_NE(message.find(c.expected), std::string::npos) << c.name << ": " << message;
   }
 }

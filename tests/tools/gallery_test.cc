@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <limits>
@@ -16,10 +17,6 @@ double Dot(const float* a, const float* b) {
   return dot;
 }
 
-double Cosine(const float* a, const float* b) {
-  return Dot(a, b) / std::sqrt(Dot(a, a) * Dot(b, b));
-}
-
 // FNV-1a over the feature bytes, to pin the gallery across platforms.
 uint64_t Fingerprint(const FeatureMatrix& features) {
   uint64_t hash = 1469598103934665603ull;
@@ -30,32 +27,20 @@ uint64_t Fingerprint(const FeatureMatrix& features) {
   return hash;
 }
 
-GalleryOptions Small() {
-  GalleryOptions options;
-  options.people = 5;
-  options.minFaces = 3;
-  options.maxFaces = 3;
-  options.lookAlikes = 0;
-  options.loneFaces = 2;
-  options.duplicates = 2;
-  return options;
-}
+// Seed 1234: 5 people of 3 faces each, no look-alike, 2 lone faces, 2 duplicates.
+const GalleryOptions kSmall = {1234, 5, 3, 3, 0, 2, 2};
 
 TEST(GalleryTest, TheSameSeedGivesTheSameBitsOnEveryPlatform) {
-  const Gallery a = makeGallery(Small());
-  const Gallery b = makeGallery(Small());
-  EXPECT_EQ(a.identities, b.identities);
-  EXPECT_EQ(Fingerprint(a.features), Fingerprint(b.features));
   // Pinned: a change here means the demo shows other faces than before, on
   // this platform or on another.
-  EXPECT_EQ(Fingerprint(a.features), 9417109963292637796ull);
-  GalleryOptions other = Small();
+  EXPECT_EQ(Fingerprint(makeGallery(kSmall).features), 9417109963292637796ull);
+  GalleryOptions other = kSmall;
   other.seed = 1235;
-  EXPECT_NE(Fingerprint(makeGallery(other).features), Fingerprint(a.features));
+  EXPECT_NE(Fingerprint(makeGallery(other).features), 9417109963292637796ull);
 }
 
 TEST(GalleryTest, HoldsWhatWasAskedForWithPeopleCloseAndStrangersApart) {
-  GalleryOptions options = Small();
+  GalleryOptions options = kSmall;
   options.lookAlikes = 1;
   const Gallery gallery = makeGallery(options);
   ASSERT_EQ(gallery.features.rows(), 5 * 3 + 2 + 2);
@@ -63,13 +48,13 @@ TEST(GalleryTest, HoldsWhatWasAskedForWithPeopleCloseAndStrangersApart) {
   const int lookAlike = options.people - 1;  // resembles person people - 2
   int duplicated = 0;
   for (int i = 0; i < gallery.features.rows(); ++i) {
-    EXPECT_EQ(gallery.faceIds[i], i);
     const float* face = gallery.features.row(i);
     EXPECT_NEAR(std::sqrt(Dot(face, face)), 1.0, 4 * std::numeric_limits<float>::epsilon());
     for (int j = i + 1; j < gallery.features.rows(); ++j) {
       const int a = gallery.identities[i], b = gallery.identities[j];
-      const double cosine = Cosine(gallery.features.row(i), gallery.features.row(j));
-      if (std::memcmp(gallery.features.row(i), gallery.features.row(j), kFeatureDim * 4) == 0) {
+      // Unit length, so the dot product is the cosine.
+      const double cosine = Dot(face, gallery.features.row(j));
+      if (std::memcmp(face, gallery.features.row(j), kFeatureDim * 4) == 0) {
         ++duplicated;
         EXPECT_EQ(a, b);
       } else if (a == b) {

@@ -12,23 +12,14 @@ namespace tool_test {
 namespace {
 
 std::string decodeBase64(const std::string& text) {
+  static const std::string kDigits =
+      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
   std::string out;
   uint32_t group = 0;
   int bits = 0;
   for (char c : text) {
-    int value;
-    if (c >= 'A' && c <= 'Z')
-      value = c - 'A';
-    else if (c >= 'a' && c <= 'z')
-      value = c - 'a' + 26;
-    else if (c >= '0' && c <= '9')
-      value = c - '0' + 52;
-    else if (c == '+')
-      value = 62;
-    else if (c == '/')
-      value = 63;
-    else
-      break;  // padding
+    const size_t value = kDigits.find(c);
+    if (value == std::string::npos) break;  // padding
     group = (group << 6) | static_cast<uint32_t>(value);
     bits += 6;
     if (bits >= 8) {
@@ -77,6 +68,11 @@ std::string htmlProblem(const std::string& html) {
   if (html.rfind("<!DOCTYPE html>", 0) != 0) return "no doctype";
   for (const char* outside : {"http:", "https:", "=\"//", "<script"}) {
     if (html.find(outside) != std::string::npos) return std::string("refers outside: ") + outside;
+  }
+  for (const InlineImage& image : inlineImages(html)) {
+    if (image.width == 0) return "an inline image does not decode";
+    if (image.width != image.declaredWidth || image.height != image.declaredHeight)
+      return "an inline image is not declared at its own size";
   }
   static const std::set<std::string> kVoid = {"meta", "img", "br", "hr", "link", "input"};
   std::vector<std::string> open;

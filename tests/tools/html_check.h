@@ -18,8 +18,9 @@ struct InlineImage {
 std::vector<InlineImage> inlineImages(const std::string& html);
 
 // Empty when the page starts with <!DOCTYPE html>, every non-void element is
-// closed in order, and no attribute or text refers outside the page (http:,
-// https: or a protocol-relative //); otherwise the first problem.
+// closed in order, no attribute or text refers outside the page (http:,
+// https: or a protocol-relative //), and every inline image decodes at the
+// size its tag declares; otherwise the first problem.
 std::string htmlProblem(const std::string& html);
 
 }  // namespace tool_test

@@ -1,57 +1,43 @@
 #include "process.h"
 
-#include <dirent.h>
-#include <fcntl.h>
-#include <ftw.h>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <cstdlib>
+#include <cstdio>
+#include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <sstream>
 
 namespace tool_test {
 namespace {
 
-std::string slurp(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::ostringstream content;
-  content << in.rdbuf();
-  return content.str();
+std::string readBackAndClose(FILE* file) {
+  std::string text;
+  std::rewind(file);
+  char buffer[4096];
+  for (size_t n; (n = std::fread(buffer, 1, sizeof buffer, file)) > 0;) text.append(buffer, n);
+  std::fclose(file);
+  return text;
 }
 
 }  // namespace
 
-std::string makeTempFolder() {
-  std::string pattern = testing::TempDir() + "xvkfc_tool_XXXXXX";
-  if (mkdtemp(pattern.data()) == nullptr) ADD_FAILURE() << "mkdtemp failed";
-  return pattern;
+TempFolder::TempFolder() : path_(testing::TempDir() + "xvkfc_tool_XXXXXX") {
+  if (mkdtemp(path_.data()) == nullptr) ADD_FAILURE() << "mkdtemp failed";
 }
 
-void removeFolder(const std::string& folder) {
-  nftw(
-      folder.c_str(),
-      [](const char* path, const struct stat*, int, struct FTW*) { return remove(path); }, 16,
-      FTW_DEPTH | FTW_PHYS);
+TempFolder::~TempFolder() { std::filesystem::remove_all(path_); }
+
+std::string TempFolder::write(const std::string& name, const std::string& bytes) const {
+  std::ofstream(path(name), std::ios::binary) << bytes;
+  return path(name);
 }
 
-bool fileExists(const std::string& path) {
-  struct stat info;
-  return stat(path.c_str(), &info) == 0;
-}
-
-std::vector<std::string> listFolder(const std::string& folder) {
-  std::vector<std::string> names;
-  if (DIR* dir = opendir(folder.c_str())) {
-    while (dirent* entry = readdir(dir)) {
-      const std::string name = entry->d_name;
-      if (name != "." && name != "..") names.push_back(name);
-    }
-    closedir(dir);
-  }
-  return names;
+int TempFolder::entries() const {
+  using std::filesystem::directory_iterator;
+  return static_cast<int>(std::distance(directory_iterator(path_), directory_iterator()));
 }
 
 ProcessResult runProgram(const std::vector<std::string>& args) {
@@ -61,14 +47,12 @@ ProcessResult runProgram(const std::vector<std::string>& args) {
   command.push_back(XVKFC_PROGRAM);
   command.insert(command.end(), args.begin(), args.end());
 
-  const std::string folder = makeTempFolder();
-  const std::string outPath = folder + "/stdout", errPath = folder + "/stderr";
+  FILE* out = std::tmpfile();
+  FILE* err = std::tmpfile();
   const pid_t pid = fork();
   if (pid == 0) {
-    const int out = open(outPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
-    const int err = open(errPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
-    dup2(out, STDOUT_FILENO);
-    dup2(err, STDERR_FILENO);
+    dup2(fileno(out), STDOUT_FILENO);
+    dup2(fileno(err), STDERR_FILENO);
     std::vector<char*> argv;
     for (std::string& word : command) argv.push_back(word.data());
     argv.push_back(nullptr);
@@ -80,11 +64,8 @@ ProcessResult runProgram(const std::vector<std::string>& args) {
   if (pid > 0 && waitpid(pid, &status, 0) == pid && WIFEXITED(status)) {
     result.exitCode = WEXITSTATUS(status);
   }
-  result.out = slurp(outPath);
-  result.err = slurp(errPath);
-  unlink(outPath.c_str());
-  unlink(errPath.c_str());
-  rmdir(folder.c_str());
+  result.out = readBackAndClose(out);
+  result.err = readBackAndClose(err);
   return result;
 }
 

@@ -1,4 +1,5 @@
-// Running the built xvkfc program as a separate process.
+// Running the built xvkfc program as a separate process, and the folders
+// the tests write its files to.
 #ifndef XVKFC_TESTS_TOOLS_PROCESS_H_
 #define XVKFC_TESTS_TOOLS_PROCESS_H_
 
@@ -17,17 +18,24 @@ struct ProcessResult {
 // the current folder and waits for it.
 ProcessResult runProgram(const std::vector<std::string>& args);
 
-// A fresh empty folder under the test temporary folder.
-std::string makeTempFolder();
+// A fresh empty folder under the test temporary folder, removed with all it
+// holds when the object goes.
+class TempFolder {
+ public:
+  TempFolder();
+  ~TempFolder();
+  TempFolder(const TempFolder&) = delete;
+  TempFolder& operator=(const TempFolder&) = delete;
 
-// Removes `folder` and everything in it.
-void removeFolder(const std::string& folder);
+  std::string path(const std::string& name) const { return path_ + "/" + name; }
+  // Writes `bytes` to the file `name` and returns its path.
+  std::string write(const std::string& name, const std::string& bytes) const;
+  // The number of entries in the folder.
+  int entries() const;
 
-// True when `path` exists.
-bool fileExists(const std::string& path);
-
-// Names in `folder`, "." and ".." excluded.
-std::vector<std::string> listFolder(const std::string& folder);
+ private:
+  std::string path_;
+};
 
 }  // namespace tool_test
 
