@@ -5,7 +5,6 @@
 #include <cstring>
 #include <fstream>
 #include <iterator>
-#include <numeric>
 #include <sstream>
 
 #include "html_check.h"
@@ -15,19 +14,12 @@
 #include "tools/cluster_json.h"
 #include "tools/feature_file.h"
 #include "tools/gallery.h"
-#include "tools/npy.h"
 
 namespace tool {
 namespace {
 
 using tool_test::ProcessResult;
 using tool_test::runProgram;
-
-std::string Lines(const std::vector<int>& values) {
-  std::string text;
-  for (int value : values) text += std::to_string(value) + "\n";
-  return text;
-}
 
 // The library called directly, batch by batch, each run given the previous
 // result as an application does; the result as the text of a clusters file.
@@ -55,29 +47,17 @@ std::string ClusterDirectly(const FeatureMatrix& features, int batchSize) {
   return clustersToJson(clusters);
 }
 
-FeatureMatrix Rows(const FeatureMatrix& features, int begin, int end) {
-  FeatureMatrix part;
-  for (int i = begin; i < end; ++i) part.appendRow(features.row(i));
-  return part;
-}
-
 class ProgramTest : public testing::Test {
  protected:
-  ProgramTest() { writeFeatures(features_, gallery_.features); }
-
   std::string Path(const std::string& name) const { return folder_.path(name); }
 
   tool_test::TempFolder folder_;
-  // Seed 1234: 5 people of 2 to 5 faces, one a look-alike, and 3 lone faces.
-  Gallery gallery_ = makeGallery({1234, 5, 2, 5, 1, 3, 0});
-  const int rows_ = gallery_.features.rows();
-  std::string features_ = Path("features.npy");
 };
 
 // The messages themselves are pinned where each file is read.
 TEST_F(ProgramTest, BadInputGivesOneLineAndLeavesNoOutput) {
-  const std::string raw = encodeFeatures("x.raw", gallery_.features);
-  folder_.write("short.raw", raw.substr(0, raw.size() - 1));
+  const std::string features = folder_.write("two.f32", std::string(2 * 3840, '\0'));
+  folder_.write("short.raw", std::string(3839, '\0'));
   folder_.write("broken.json", "{\"clusters\": [");
   folder_.write("bucket.json", R"({"clusters": [{"cluster_id": -1, "face_ids": [1]}]})");
   const int inputs = folder_.entries();
@@ -88,8 +68,8 @@ TEST_F(ProgramTest, BadInputGivesOneLineAndLeavesNoOutput) {
   } cases[] = {
       {{Path("absent.npy")}, "absent.npy: cannot open"},
       {{Path("short.raw")}, "truncated"},
-      {{features_, "--existing", Path("broken.json")}, "broken.json: malformed JSON"},
-      {{features_, "--existing", Path("bucket.json")},
+      {{features, "--existing", Path("broken.json")}, "broken.json: malformed JSON"},
+      {{features, "--existing", Path("bucket.json")},
        "face id 1 is already in the existing clusters"},
   };
   for (const auto& c : cases) {
@@ -108,7 +88,9 @@ TEST_F(ProgramTest, BadInputGivesOneLineAndLeavesNoOutput) {
 TEST_F(ProgramTest, CommandLineMistakesAreUsageErrors) {
   // No subcommand, no -o, a negative batch size.
   const std::vector<std::string> mistakes[] = {
-      {}, {"cluster", features_}, {"cluster", features_, "-o", Path("x"), "--batch-size", "-3"}};
+      {},
+      {"cluster", Path("f.npy")},
+      {"cluster", Path("f.npy"), "-o", Path("x"), "--batch-size", "-3"}};
   for (const auto& args : mistakes) EXPECT_EQ(runProgram(args).exitCode, 2) << args.size();
   EXPECT_EQ(runProgram({"--help"}).exitCode, 0);
 }
@@ -145,36 +127,44 @@ TEST_F(ProgramTest, EveryWayOfBatchingGivesTheClustersOfTheLibraryCalledDirectly
   EXPECT_EQ(tool_test::htmlProblem(html), "");
   EXPECT_EQ(tool_test::inlineImages(html).size(), 2u);
 
-  // The second call is given the first call's clusters file.
-  writeFeatures(Path("first.npy"), Rows(features, 0, half));
-  writeFeatures(Path("second.npy"), Rows(features, half, features.rows()));
-  std::vector<int> ids(features.rows() - half);
-  std::iota(ids.begin(), ids.end(), half);
-  folder_.write("ids.txt", Lines(ids));
-  ASSERT_EQ(runProgram({"-q", "cluster", Path("first.npy"), "-o", Path("first.json")}).exitCode, 0);
+  // The second call is given the first call's clusters file; both read raw
+  // features, cut from the gallery's bytes.
+  const std::string raw = encodeFeatures("x.raw", features);
+  folder_.write("first.f32", raw.substr(0, half * 3840));
+  folder_.write("second.f32", raw.substr(half * 3840));
+  std::string ids;
+  for (int i = half; i < features.rows(); ++i) ids += std::to_string(i) + " ";
+  folder_.write("ids.txt", ids);
+  ASSERT_EQ(runProgram({"-q", "cluster", Path("first.f32"), "-o", Path("first.json")}).exitCode, 0);
   const ProcessResult second =
-      runProgram({"-q", "cluster", Path("second.npy"), "--ids", Path("ids.txt"), "--existing",
+      runProgram({"-q", "cluster", Path("second.f32"), "--ids", Path("ids.txt"), "--existing",
                   Path("first.json"), "-o", Path("second.json")});
   ASSERT_EQ(second.exitCode, 0) << second.err;
   EXPECT_TRUE(readWholeFile(Path("second.json")) == direct);
 }
 
 TEST_F(ProgramTest, FeatureOperations) {
+  // Seed 1234: 5 people of 2 to 5 faces, one a look-alike, and 3 lone faces.
+  const Gallery gallery = makeGallery({1234, 5, 2, 5, 1, 3, 0});
+  const int rows = gallery.features.rows();
+  const std::string features = Path("features.npy");
+  writeFeatures(features, gallery.features);
+
   // compare: one row per feature, the diagonal 1023; --verbose adds the library's log.
-  const ProcessResult compare = runProgram({"-q", "--verbose", "compare", features_});
+  const ProcessResult compare = runProgram({"-q", "--verbose", "compare", features});
   ASSERT_EQ(compare.exitCode, 0) << compare.err;
   EXPECT_NE(compare.err.find("FC_Native D: init FC engine"), std::string::npos) << compare.err;
   std::istringstream cells(compare.out);
   const std::vector<int> scores{std::istream_iterator<int>(cells), {}};
-  ASSERT_EQ(scores.size(), static_cast<size_t>(rows_ * rows_));
-  EXPECT_EQ(std::count(compare.out.begin(), compare.out.end(), '\n'), rows_);
-  for (int i = 0; i < rows_; ++i) EXPECT_EQ(scores[i * rows_ + i], 1023) << i;
+  ASSERT_EQ(scores.size(), static_cast<size_t>(rows * rows));
+  EXPECT_EQ(std::count(compare.out.begin(), compare.out.end(), '\n'), rows);
+  for (int i = 0; i < rows; ++i) EXPECT_EQ(scores[i * rows + i], 1023) << i;
 
   // recommend: the representative face of each cluster belongs to it.
-  ASSERT_EQ(runProgram({"-q", "cluster", features_, "-o", Path("c.json")}).exitCode, 0);
+  ASSERT_EQ(runProgram({"-q", "cluster", features, "-o", Path("c.json")}).exitCode, 0);
   const std::string recommended =
-      "\n" + runProgram({"recommend", features_, "--clusters", Path("c.json")}).out;
-  EXPECT_EQ(std::count(recommended.begin(), recommended.end(), '\n'), rows_ + 1);
+      "\n" + runProgram({"recommend", features, "--clusters", Path("c.json")}).out;
+  EXPECT_EQ(std::count(recommended.begin(), recommended.end(), '\n'), rows + 1);
   for (const ClusterRecord& c : readClusters(Path("c.json"))) {
     if (c.id < 0) continue;
     const std::string line = "\n" + std::to_string(c.repFaceId) + "\t" + std::to_string(c.id);
@@ -183,12 +173,12 @@ TEST_F(ProgramTest, FeatureOperations) {
 
   // representative: one of the inputs, written as a one-row feature file.
   const ProcessResult representative =
-      runProgram({"representative", features_, "-o", Path("r.npy")});
+      runProgram({"representative", features, "-o", Path("r.npy")});
   ASSERT_EQ(representative.exitCode, 0) << representative.err;
   const int chosen = std::atoi(representative.out.c_str() + representative.out.find("row ") + 4);
   const FeatureMatrix written = readFeatures(Path("r.npy"));
   ASSERT_EQ(written.rows(), 1);
-  EXPECT_EQ(std::memcmp(written.row(0), gallery_.features.row(chosen), 3840), 0);
+  EXPECT_EQ(std::memcmp(written.row(0), gallery.features.row(chosen), 3840), 0);
 }
 
 TEST_F(ProgramTest, ExtractsFeaturesOfFaceRectanglesInAYuvImage) {

@@ -33,8 +33,6 @@ TEST(ReportTest, WellFormedEscapedPageWithAHeatMapInClusterOrderAndClustersOutli
   ReportData data;
   data.title = "xvkfc cluster <b>&\"x\".npy";
   data.clusters = {Cluster(-1, {13}), Cluster(0, {10, 12}), Cluster(1, {11, 14, 15})};
-  data.identities = {{10, 1}, {11, 2}, {12, 1}, {13, 3}, {14, 2}, {15, 1}};
-  data.quality = measureQuality({0, 1, 0, -2, 1, 1}, {1, 2, 1, 3, 2, 1});
   const std::vector<int> faceIds = {10, 11, 12, 13, 14, 15};
   data.view.order = orderByCluster(data.clusters, faceIds, 100);
   data.view.facesWithFeatures = 6;
