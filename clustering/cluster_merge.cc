@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "clustering/face_clustering_system.h"
+#include "clustering/kernel_block.h"
 #include "clustering/member_lists.h"
 #include "clustering/thresholds.h"
 #include "platform/alloc_guard.h"
@@ -12,20 +13,15 @@ namespace {
 
 // Whether clusters `a` and `b` are alike enough to join: average linkage
 // (the mean of the row means) first, then, for small clusters, the best
-// single similarity. NaN figures fail both tests.
-bool shouldJoin(const Mat<float>& kernel, const Vec<int>& a, const Vec<int>& b) {
+// single similarity. NaN figures fail both tests. Reads the kernel in place.
+bool shouldJoin(const detail::Kernel& kernel, const Vec<int>& a, const Vec<int>& b) {
   float pairMax = 0.0f;
   float pairSum = 0.0f;
-  for (int face : a) {
-    float rowMax = 0.0f;
-    float rowSum = 0.0f;
-    for (float similarity : kernel[face].subVec(b)) {
-      if (similarity > rowMax) rowMax = similarity;
-      rowSum += similarity;
-    }
+  const float bCount = static_cast<float>(b.size());
+  detail::rowSumsAndMaxima(kernel, a, b, [&](std::size_t, float rowSum, float rowMax) {
     if (rowMax > pairMax) pairMax = rowMax;
-    pairSum += rowSum / static_cast<float>(b.size());
-  }
+    pairSum += rowSum / bCount;
+  });
   const float average = pairSum / static_cast<float>(a.size());
   if (!(average >= detail::kMergeSimilarity)) return false;
   if (a.size() <= 2 || b.size() <= 2) return pairMax >= detail::kMergeBestPairSimilarity;
@@ -63,36 +59,47 @@ void renumberDensely(int idCount, Vec<int>& labels) {
 // Dense ids for the clusters of two faces or more, in the order of the old
 // ids. The id counter advances only past such clusters, so with singletons
 // kept a single face shares its id with the next larger cluster; with
-// dropSingletons it becomes unclustered (-1).
+// dropSingletons it becomes unclustered (-1). Counts every id in one scan
+// instead of one scan per id.
 void renumberDroppingSingletons(bool dropSingletons, Vec<int>& labels) {
-  const Vec<int> old = labels;
-  const int largest = detail::largestLabel(old);
+  const int largest = detail::largestLabel(labels);
+  if (largest < 0) return;
+  std::vector<int> newId(static_cast<std::size_t>(largest) + 1, 0);
+  for (int label : labels) {
+    if (label >= 0) ++newId[label];
+  }
   int nextId = 0;
-  for (int l = 0; l <= largest; ++l) {
-    int count = 0;
-    for (int label : old) count += label == l ? 1 : 0;
-    for (std::size_t i = 0; i < old.size(); ++i) {
-      if (old[i] == l) labels[i] = (count == 1 && dropSingletons) ? -1 : nextId;
-    }
+  for (int& entry : newId) {
+    const int count = entry;
+    entry = (count == 1 && dropSingletons) ? -1 : nextId;
     if (count >= 2) ++nextId;
+  }
+  for (int& label : labels) {
+    if (label >= 0) label = newId[label];
   }
 }
 
 }  // namespace
 
 int MergeCluster(Mat<float> kernel, Vec<int>& labels) {
-  const int clusterCount = detail::largestLabel(labels) + 1;
+  return detail::mergePass(kernel.rows, labels);
+}
+
+namespace detail {
+
+int mergePass(const Kernel& kernel, Vec<int>& labels) {
+  const int clusterCount = largestLabel(labels) + 1;
   if (clusterCount < 1) return 0;
 
   // One list per id, plus one for the unclustered faces (built, never read).
   std::vector<Vec<int>> members;
-  if (!detail::runOrLogAllocFailure("malloc fail!!!(alloc members in MergeCluster(mat, ivec)",
-                                    [&] { members.resize(clusterCount + 1); })) {
+  if (!runOrLogAllocFailure("malloc fail!!!(alloc members in MergeCluster(mat, ivec)",
+                            [&] { members.resize(clusterCount + 1); })) {
     return 0;
   }
-  if (!detail::runOrLogAllocFailure("malloc fail!!!(add members in MergeCluster(mat, ivec)", [&] {
-        for (int i = 0; i < kernel.rowCount(); ++i) {
-          members[labels[i] < 0 ? clusterCount : labels[i]].push_back(i);
+  if (!runOrLogAllocFailure("malloc fail!!!(add members in MergeCluster(mat, ivec)", [&] {
+        for (std::size_t i = 0; i < kernel.size(); ++i) {
+          members[labels[i] < 0 ? clusterCount : labels[i]].push_back(static_cast<int>(i));
         }
       })) {
     return 0;
@@ -111,10 +118,12 @@ int MergeCluster(Mat<float> kernel, Vec<int>& labels) {
   return joined;
 }
 
+}  // namespace detail
+
 void FaceClusteringSystem::MergeClusters(Vec<int>& labels, bool dropSingletons) {
   if (detail::largestLabel(labels) < 0) return;
-  // Every pass on a fresh copy of the unchanged kernel.
-  while (MergeCluster(Mat<float>(kernel), labels) > 0) {
+  // Every pass reads the unchanged kernel in place.
+  while (detail::mergePass(kernel, labels) > 0) {
   }
   renumberDroppingSingletons(dropSingletons, labels);
 }

@@ -2,6 +2,8 @@
 #ifndef XVKFC_CLUSTERING_CLUSTER_MERGE_H_
 #define XVKFC_CLUSTERING_CLUSTER_MERGE_H_
 
+#include <vector>
+
 #include "numeric/mat.h"
 #include "numeric/vec.h"
 #include "platform/export.h"
@@ -24,5 +26,14 @@
 // throw std::bad_alloc.
 // REQUIRES: labels not empty; every label < n.
 XVKFC_EXPORT int MergeCluster(Mat<float> kernel, Vec<int>& labels);
+
+namespace detail {
+
+// MergeCluster on a kernel read in place: the engine's merge passes use this,
+// so a pass costs no copy of the n x n kernel. Same result, log lines and
+// REQUIRES as MergeCluster.
+int mergePass(const std::vector<Vec<float>>& kernel, Vec<int>& labels);
+
+}  // namespace detail
 
 #endif  // XVKFC_CLUSTERING_CLUSTER_MERGE_H_

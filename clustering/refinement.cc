@@ -5,40 +5,32 @@
 #include <vector>
 
 #include "clustering/face_clustering_system.h"
+#include "clustering/kernel_block.h"
 #include "clustering/member_lists.h"
 #include "clustering/thresholds.h"
 #include "platform/alloc_guard.h"
 
 namespace {
 
-using Kernel = std::vector<Vec<float>>;
-
-void zeroRowAndColumn(Kernel& working, int face) {
-  for (std::size_t j = 0; j < working.size(); ++j) {
-    working[face][j] = 0.0f;
-    working[j][face] = 0.0f;
-  }
-}
-
-// Whether `face` leaves its cluster `members`, of which `others` + 1 faces
-// are still in it. `working` holds 0 for the face itself and for every face
-// already taken out; minAll reads the unchanged kernel. The comparisons are
-// strict, so a NaN figure takes nobody out.
-bool takesOut(const Kernel& kernel, Kernel& working, int face, const Vec<int>& members, int others,
-              float threshold) {
+// Whether face members[u] leaves its cluster `members`, of which `others` + 1
+// faces are still in it. As if on a copy of the kernel whose diagonal entry
+// of the face and whose rows and columns of the faces already taken out
+// (`out`) were zeroed: those entries count as 0.0 in the sum and the
+// maximum, added in list order like every other entry. minAll reads the
+// kernel itself, every member included. The comparisons are strict, so a
+// NaN figure takes nobody out.
+bool takesOut(const detail::Kernel& kernel, const Vec<int>& members, const std::vector<char>& out,
+              std::size_t u, int others, float threshold) {
   if (others < 1) return true;
-  const Vec<float> all = kernel[face].subVec(members);
-  float minAll = all[0];
-  for (float similarity : all) {
-    if (similarity < minAll) minAll = similarity;
-  }
-  working[face][face] = 0.0f;
-  const Vec<float> rest = working[face].subVec(members);
+  const int face = members[u];
+  const float minAll = detail::rowMinimum(kernel, face, members);
+  const float* row = kernel[face].data();
   float sum = 0.0f;
-  float maxRest = rest[0];
-  for (float similarity : rest) {
+  float maxRest = 0.0f;
+  for (std::size_t v = 0; v < members.size(); ++v) {
+    const float similarity = (v == u || out[v]) ? 0.0f : row[members[v]];
     sum += similarity;
-    if (similarity > maxRest) maxRest = similarity;
+    if (v == 0 || similarity > maxRest) maxRest = similarity;
   }
   const float meanRest = sum / static_cast<float>(others);
   const float bestBound = threshold + detail::kPruneBestMargin;
@@ -49,23 +41,25 @@ bool takesOut(const Kernel& kernel, Kernel& working, int face, const Vec<int>& m
 // Takes the faces that do not fit out of every cluster (label -1), dissolves
 // clusters left with fewer than two faces, and numbers the rest 0, 1, ...
 // in the order of their old ids. Faces are examined once, in ascending
-// order, so a kept face stays even if later removals would fail it.
-void pruneOutliers(const Kernel& kernel, float threshold, Vec<int>& labels) {
+// order, so a kept face stays even if later removals would fail it. Each
+// cluster reads only its own block of the kernel.
+void pruneOutliers(const detail::Kernel& kernel, float threshold, Vec<int>& labels) {
   const int clusterCount = detail::largestLabel(labels) + 1;
   if (clusterCount < 1) return;
   const std::vector<Vec<int>> members =
       detail::membersByLabel(labels, static_cast<int>(kernel.size()), clusterCount);
+  std::vector<char> out;  // per member of the cluster at hand: taken out
   int nextId = 0;
   for (const Vec<int>& cluster : members) {
-    Kernel working = kernel;
+    out.assign(cluster.size(), 0);
     int others = static_cast<int>(cluster.size()) - 1;
-    for (int face : cluster) {
-      if (takesOut(kernel, working, face, cluster, others, threshold)) {
-        labels[face] = -1;
+    for (std::size_t u = 0; u < cluster.size(); ++u) {
+      if (takesOut(kernel, cluster, out, u, others, threshold)) {
+        labels[cluster[u]] = -1;
         --others;
-        zeroRowAndColumn(working, face);
+        out[u] = 1;
       } else {
-        labels[face] = nextId;
+        labels[cluster[u]] = nextId;
       }
     }
     if (others < 1) {

@@ -2,6 +2,8 @@
 #ifndef XVKFC_NUMERIC_KMEANS_H_
 #define XVKFC_NUMERIC_KMEANS_H_
 
+#include <vector>
+
 #include "numeric/mat.h"
 #include "numeric/vec.h"
 #include "platform/export.h"
@@ -26,5 +28,21 @@ XVKFC_EXPORT void kmeansCore(Mat<float>& data, Mat<float>& means, Vec<int>& labe
 // a centre with no rows stays all zeros.
 // REQUIRES: every label in [0, means rows).
 XVKFC_EXPORT void computeMeans(Mat<float>& data, Mat<float>& means, Vec<int>& labels);
+
+namespace detail {
+
+// kmeans(block, 2, initLabels, labels) on the m x m block of the square
+// `matrix` whose entry (u, v) is matrix[index[u]][index[v]], m =
+// index.size(), read in place: the block is never copied, and a block of
+// consecutive indices is read as contiguous row ranges. The result is bit for
+// bit that of the plain routine on the gathered block: every distance and
+// centre sum is added in the same order. `means` is scratch space (2 x m
+// floats) kept by the caller so that repeated calls reuse it.
+// REQUIRES: m >= 1; every index < matrix.size() and < each row's length;
+// initLabels has m entries, each 0 or 1; initLabels and labels distinct.
+void twoMeansOnBlock(const std::vector<Vec<float>>& matrix, const Vec<int>& index,
+                     const Vec<int>& initLabels, Vec<int>& labels, std::vector<float>& means);
+
+}  // namespace detail
 
 #endif  // XVKFC_NUMERIC_KMEANS_H_

@@ -68,9 +68,10 @@ TEST(MergeClusters, RepeatsPassesThenRenumbersWithTheSharedIdOfKeptSingletons) {
   // join everything) and ends the repetition; the renumbering still runs.
   FaceClusteringSystem engine;
   engine.kernel = pairKernel(3, 0.8f);
-  const long kernelCopy = alloc_failure::countAllocations([&] { Mat<float> copy(engine.kernel); });
+  // A pass reads the kernel in place: its first two allocations make and
+  // fill the member lists.
   testing_support::LogCapture log;
-  for (long nth : {kernelCopy + 1, kernelCopy + 2}) {
+  for (long nth : {1, 2}) {
     Vec<int> labels = {0, 2, 2};
     alloc_failure::failNth(nth);
     engine.MergeClusters(labels, true);
