@@ -43,7 +43,7 @@ int splitSeed(const detail::Kernel& kernel, const Vec<int>& members) {
 struct SplitBuffers {
   Vec<int> seedGroups;
   Vec<int> groups;
-  std::vector<float> means;
+  detail::TwoMeansScratch scratch;
 };
 
 // 2-means on the cluster's own kernel block, read in place; the faces that
@@ -53,7 +53,7 @@ void split(const detail::Kernel& kernel, const Vec<int>& members, int seed, Spli
   const int m = static_cast<int>(members.size());
   buffers.seedGroups.assign(m, 0);
   buffers.seedGroups[seed] = 1;
-  detail::twoMeansOnBlock(kernel, members, buffers.seedGroups, buffers.groups, buffers.means);
+  detail::twoMeansOnBlock(kernel, members, buffers.seedGroups, buffers.groups, buffers.scratch);
   const int newId = detail::largestLabel(labels) + 1;
   for (int u = 0; u < m; ++u) {
     if (buffers.groups[u] == 1) labels[members[u]] = newId;

@@ -96,32 +96,22 @@ void computeMeans(Mat<float>& data, Mat<float>& means, Vec<int>& labels) {
 namespace detail {
 namespace {
 
-// The block's rows: row u starts at rowStart(u), and its element v is at
-// offset v (contiguous indices) or index[v] (any other list).
-template <bool kContiguous>
-class Block {
- public:
-  Block(const std::vector<Vec<float>>& matrix, const Vec<int>& index)
-      : matrix_(matrix), index_(index.data()), size_(static_cast<int>(index.size())) {}
-
-  int size() const { return size_; }
-  const float* rowStart(int u) const {
-    const float* row = matrix_[index_[u]].data();
-    return kContiguous ? row + index_[0] : row;
+void findRuns(const Vec<int>& index, std::vector<Run>& runs) {
+  runs.clear();
+  for (std::size_t v = 0; v < index.size(); ++v) {
+    if (!runs.empty() && index[v] == runs.back().start + runs.back().length) {
+      ++runs.back().length;
+    } else {
+      runs.push_back({static_cast<int>(v), index[v], 1});
+    }
   }
-  float at(const float* row, int v) const { return kContiguous ? row[v] : row[index_[v]]; }
-
- private:
-  const std::vector<Vec<float>>& matrix_;
-  const int* index_;
-  int size_;
-};
+}
 
 // computeMeans for k = 2: sums in label-list order, then one division each.
-template <bool kContiguous>
-void twoMeans(const Block<kContiguous>& block, const Vec<int>& groups, float* mean0,
-              float* mean1) {
-  const int m = block.size();
+// Each centre element is its own sum, so summing run by run changes nothing.
+void twoMeans(const std::vector<Vec<float>>& matrix, const Vec<int>& index,
+              const std::vector<Run>& runs, const Vec<int>& groups, float* mean0, float* mean1) {
+  const std::size_t m = index.size();
   float count[2] = {0.0f, 0.0f};
   std::fill(mean0, mean0 + m, 0.0f);
   std::fill(mean1, mean1 + m, 0.0f);
@@ -129,77 +119,87 @@ void twoMeans(const Block<kContiguous>& block, const Vec<int>& groups, float* me
     const int group = groups[u];
     count[group] += 1.0f;
     float* centre = group == 0 ? mean0 : mean1;
-    const float* row = block.rowStart(static_cast<int>(u));
-    for (int v = 0; v < m; ++v) centre[v] += block.at(row, v);
+    const float* row = matrix[index[u]].data();
+    for (const Run& run : runs) {
+      float* out = centre + run.first;
+      const float* in = row + run.start;
+      for (int t = 0; t < run.length; ++t) out[t] += in[t];
+    }
   }
   float* centres[2] = {mean0, mean1};
   for (int g = 0; g < 2; ++g) {
     if (count[g] == 0.0f) continue;
-    for (int v = 0; v < m; ++v) centres[g][v] /= count[g];
+    for (std::size_t v = 0; v < m; ++v) centres[g][v] /= count[g];
   }
 }
 
-// Squared distances of block row u to both centres: two chains of
-// additions, each in element order, as squaredDist adds them.
-template <bool kContiguous>
-void distances(const Block<kContiguous>& block, int u, const float* mean0, const float* mean1,
-               float* dist0, float* dist1) {
-  const int m = block.size();
-  const float* row = block.rowStart(u);
-  float sum0 = 0.0f, sum1 = 0.0f;
-  for (int v = 0; v < m; ++v) {
-    const float x = block.at(row, v);
-    const float d0 = x - mean0[v];
-    const float d1 = x - mean1[v];
-    sum0 += d0 * d0;
-    sum1 += d1 * d1;
+// Squared distances of kRows block rows to both centres. Every distance is
+// its own chain of additions in column order, as squaredDist adds them;
+// the 2 x kRows chains only overlap in time.
+template <int kRows>
+void distances(const float* const* rows, const std::vector<Run>& runs, const float* mean0,
+               const float* mean1, float* dist0, float* dist1) {
+  float sum0[kRows] = {}, sum1[kRows] = {};
+  for (const Run& run : runs) {
+    const float* c0 = mean0 + run.first;
+    const float* c1 = mean1 + run.first;
+    for (int t = 0; t < run.length; ++t) {
+      for (int r = 0; r < kRows; ++r) {
+        const float x = rows[r][run.start + t];
+        const float d0 = x - c0[t];
+        const float d1 = x - c1[t];
+        sum0[r] += d0 * d0;
+        sum1[r] += d1 * d1;
+      }
+    }
   }
-  *dist0 = sum0;
-  *dist1 = sum1;
-}
-
-template <bool kContiguous>
-void twoMeansCore(const Block<kContiguous>& block, const Vec<int>& initLabels, Vec<int>& labels,
-                  std::vector<float>& means) {
-  const int m = block.size();
-  labels.clear();
-  labels.resize(m);
-  means.resize(2 * static_cast<std::size_t>(m));
-  float* mean0 = means.data();
-  float* mean1 = mean0 + m;
-  twoMeans(block, initLabels, mean0, mean1);
-  float prevCost = 0.0f;
-  for (int iter = 0;; ++iter) {
-    float cost = 0.0f;
-    for (int u = 0; u < m; ++u) {
-      float dist0, dist1;
-      distances(block, u, mean0, mean1, &dist0, &dist1);
-      // Ties go to centre 0, as in kmeansCore.
-      labels[u] = dist1 < dist0 ? 1 : 0;
-      cost += dist1 < dist0 ? dist1 : dist0;
-    }
-    twoMeans(block, labels, mean0, mean1);
-    if (iter != 0) {
-      const float relativeChange = std::fabs((prevCost - cost) / prevCost);
-      if (static_cast<double>(relativeChange) < kRelativeChangeLimit) return;
-      if (iter > kLastIterationBeforeStop) return;
-    }
-    prevCost = cost;
+  for (int r = 0; r < kRows; ++r) {
+    dist0[r] = sum0[r];
+    dist1[r] = sum1[r];
   }
 }
 
 }  // namespace
 
 void twoMeansOnBlock(const std::vector<Vec<float>>& matrix, const Vec<int>& index,
-                     const Vec<int>& initLabels, Vec<int>& labels, std::vector<float>& means) {
-  bool contiguous = true;
-  for (std::size_t v = 1; v < index.size() && contiguous; ++v) {
-    contiguous = index[v] == index[0] + static_cast<int>(v);
-  }
-  if (contiguous) {
-    twoMeansCore(Block<true>(matrix, index), initLabels, labels, means);
-  } else {
-    twoMeansCore(Block<false>(matrix, index), initLabels, labels, means);
+                     const Vec<int>& initLabels, Vec<int>& labels, TwoMeansScratch& scratch) {
+  const int m = static_cast<int>(index.size());
+  labels.clear();
+  labels.resize(m);
+  findRuns(index, scratch.runs);
+  scratch.means.resize(2 * static_cast<std::size_t>(m));
+  const std::vector<Run>& runs = scratch.runs;
+  float* mean0 = scratch.means.data();
+  float* mean1 = mean0 + m;
+  twoMeans(matrix, index, runs, initLabels, mean0, mean1);
+  constexpr int kRows = 4;
+  float prevCost = 0.0f;
+  for (int iter = 0;; ++iter) {
+    float cost = 0.0f;
+    for (int u = 0; u < m; u += kRows) {
+      const float* rows[kRows];
+      float dist0[kRows], dist1[kRows];
+      const int count = m - u < kRows ? m - u : kRows;
+      for (int r = 0; r < count; ++r) rows[r] = matrix[index[u + r]].data();
+      if (count == kRows) {
+        distances<kRows>(rows, runs, mean0, mean1, dist0, dist1);
+      } else {
+        for (int r = 0; r < count; ++r)
+          distances<1>(rows + r, runs, mean0, mean1, dist0 + r, dist1 + r);
+      }
+      // Ties go to centre 0, as in kmeansCore; the cost adds in row order.
+      for (int r = 0; r < count; ++r) {
+        labels[u + r] = dist1[r] < dist0[r] ? 1 : 0;
+        cost += dist1[r] < dist0[r] ? dist1[r] : dist0[r];
+      }
+    }
+    twoMeans(matrix, index, runs, labels, mean0, mean1);
+    if (iter != 0) {
+      const float relativeChange = std::fabs((prevCost - cost) / prevCost);
+      if (static_cast<double>(relativeChange) < kRelativeChangeLimit) return;
+      if (iter > kLastIterationBeforeStop) return;
+    }
+    prevCost = cost;
   }
 }
 

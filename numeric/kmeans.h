@@ -31,17 +31,32 @@ XVKFC_EXPORT void computeMeans(Mat<float>& data, Mat<float>& means, Vec<int>& la
 
 namespace detail {
 
+// A run of a block's columns whose indices are consecutive: columns
+// first .. first+length-1 of the block are entries start .. start+length-1
+// of a matrix row. Reading by runs turns the gather into contiguous loads.
+struct Run {
+  int first;
+  int start;
+  int length;
+};
+
+// Scratch space of twoMeansOnBlock, kept by the caller so that repeated
+// calls allocate nothing once it has grown.
+struct TwoMeansScratch {
+  std::vector<float> means;  // the two centres, m floats each
+  std::vector<Run> runs;     // the block's column runs
+};
+
 // kmeans(block, 2, initLabels, labels) on the m x m block of the square
 // `matrix` whose entry (u, v) is matrix[index[u]][index[v]], m =
-// index.size(), read in place: the block is never copied, and a block of
-// consecutive indices is read as contiguous row ranges. The result is bit for
-// bit that of the plain routine on the gathered block: every distance and
-// centre sum is added in the same order. `means` is scratch space (2 x m
-// floats) kept by the caller so that repeated calls reuse it.
+// index.size(), read in place: the block is never copied, and runs of
+// consecutive indices are read as contiguous row ranges. The result is bit
+// for bit that of the plain routine on the gathered block: every distance
+// and every centre element is summed in the same order.
 // REQUIRES: m >= 1; every index < matrix.size() and < each row's length;
 // initLabels has m entries, each 0 or 1; initLabels and labels distinct.
 void twoMeansOnBlock(const std::vector<Vec<float>>& matrix, const Vec<int>& index,
-                     const Vec<int>& initLabels, Vec<int>& labels, std::vector<float>& means);
+                     const Vec<int>& initLabels, Vec<int>& labels, TwoMeansScratch& scratch);
 
 }  // namespace detail
 
