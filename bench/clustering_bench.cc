@@ -1,6 +1,8 @@
 // Speed of the clustering engine's stages against the number of faces.
 #include <benchmark/benchmark.h>
 
+#include <vector>
+
 #include "FRecogInterface.h"
 #include "clustering/face_clustering_system.h"
 #include "synthetic_gallery.h"
@@ -19,6 +21,21 @@ struct LoadedEngine {
   FaceClusteringSystem engine;
   std::vector<float> gallery;
 };
+
+// One call of the comparator the engine is linked with (the host stand-in
+// here), on features of a small gallery that stays in cache.
+void BM_Comparison(benchmark::State& state) {
+  std::vector<float> gallery = bench::syntheticGallery(64, 8);
+  CFRecogInterface recognizer;
+  int pair = 0;
+  for (auto _ : state) {
+    float* first = &gallery[size_t(pair % 64) * 960];
+    float* second = &gallery[size_t((pair * 7 + 1) % 64) * 960];
+    benchmark::DoNotOptimize(recognizer.RunComparison(first, second));
+    ++pair;
+  }
+}
+BENCHMARK(BM_Comparison);
 
 void BM_LoadFeatures(benchmark::State& state) {
   const int faces = static_cast<int>(state.range(0));
