@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <utility>
 
 #include "numeric/mat_ops.h"
 #include "numeric/rand_perm.h"
@@ -96,6 +97,15 @@ void computeMeans(Mat<float>& data, Mat<float>& means, Vec<int>& labels) {
 namespace detail {
 namespace {
 
+#if defined(__x86_64__) && defined(__GNUC__) && !defined(__clang__)
+#define XVKFC_KMEANS_CLONES __attribute__((target_clones("avx2", "default")))
+// Inlined into each clone, so that the clone's instructions reach them.
+#define XVKFC_KMEANS_INLINE inline __attribute__((always_inline))
+#else
+#define XVKFC_KMEANS_INLINE inline
+#define XVKFC_KMEANS_CLONES
+#endif
+
 void findRuns(const Vec<int>& index, std::vector<Run>& runs) {
   runs.clear();
   for (std::size_t v = 0; v < index.size(); ++v) {
@@ -107,38 +117,49 @@ void findRuns(const Vec<int>& index, std::vector<Run>& runs) {
   }
 }
 
-// computeMeans for k = 2: sums in label-list order, then one division each.
-// Each centre element is its own sum, so summing run by run changes nothing.
-void twoMeans(const std::vector<Vec<float>>& matrix, const Vec<int>& index,
-              const std::vector<Run>& runs, const Vec<int>& groups, float* mean0, float* mean1) {
-  const std::size_t m = index.size();
-  float count[2] = {0.0f, 0.0f};
-  std::fill(mean0, mean0 + m, 0.0f);
-  std::fill(mean1, mean1 + m, 0.0f);
-  for (std::size_t u = 0; u < groups.size(); ++u) {
-    const int group = groups[u];
-    count[group] += 1.0f;
-    float* centre = group == 0 ? mean0 : mean1;
-    const float* row = matrix[index[u]].data();
+// computeMeans for k = 2, one row at a time: start(), add() for every row
+// in label-list order, finish(). Each centre element is its own sum, added
+// in that row order, so summing run by run or interleaved with the
+// assignment changes nothing.
+class CentreSums {
+ public:
+  CentreSums(float* sum0, float* sum1, std::size_t m) : sums_{sum0, sum1}, m_(m) {}
+
+  void start() {
+    count_[0] = count_[1] = 0.0f;
+    std::fill(sums_[0], sums_[0] + m_, 0.0f);
+    std::fill(sums_[1], sums_[1] + m_, 0.0f);
+  }
+  XVKFC_KMEANS_INLINE void add(const float* row, const std::vector<Run>& runs, int group) {
+    count_[group] += 1.0f;
+    float* centre = sums_[group];
     for (const Run& run : runs) {
       float* out = centre + run.first;
       const float* in = row + run.start;
       for (int t = 0; t < run.length; ++t) out[t] += in[t];
     }
   }
-  float* centres[2] = {mean0, mean1};
-  for (int g = 0; g < 2; ++g) {
-    if (count[g] == 0.0f) continue;
-    for (std::size_t v = 0; v < m; ++v) centres[g][v] /= count[g];
+  // The sums become the means; a centre without rows stays all zeros.
+  void finish() {
+    for (int g = 0; g < 2; ++g) {
+      if (count_[g] == 0.0f) continue;
+      for (std::size_t v = 0; v < m_; ++v) sums_[g][v] /= count_[g];
+    }
   }
-}
+
+ private:
+  float* sums_[2];
+  std::size_t m_;
+  float count_[2] = {0.0f, 0.0f};
+};
 
 // Squared distances of kRows block rows to both centres. Every distance is
 // its own chain of additions in column order, as squaredDist adds them;
 // the 2 x kRows chains only overlap in time.
 template <int kRows>
-void distances(const float* const* rows, const std::vector<Run>& runs, const float* mean0,
-               const float* mean1, float* dist0, float* dist1) {
+XVKFC_KMEANS_INLINE void distances(const float* const* rows, const std::vector<Run>& runs,
+                                   const float* mean0, const float* mean1, float* dist0,
+                                   float* dist1) {
   float sum0[kRows] = {}, sum1[kRows] = {};
   for (const Run& run : runs) {
     const float* c0 = mean0 + run.first;
@@ -159,6 +180,44 @@ void distances(const float* const* rows, const std::vector<Run>& runs, const flo
   }
 }
 
+// One Lloyd pass: every row assigned to the nearer of the centres in
+// `means` (ties to centre 0), while `next` receives the means of the new
+// labels. Returns the cost, summed in row order. On x86-64 an AVX2 clone
+// runs the same operations eight lanes wide: the same bits.
+XVKFC_KMEANS_CLONES float assignAndSum(const std::vector<Vec<float>>& matrix, const Vec<int>& index,
+                                       const std::vector<Run>& runs, const float* means,
+                                       float* next, Vec<int>& labels) {
+  constexpr int kRows = 8;
+  const int m = static_cast<int>(index.size());
+  const float* mean0 = means;
+  const float* mean1 = means + m;
+  CentreSums sums(next, next + m, m);
+  sums.start();
+  float cost = 0.0f;
+  for (int u = 0; u < m; u += kRows) {
+    const float* rows[kRows];
+    float dist0[kRows], dist1[kRows];
+    const int count = m - u < kRows ? m - u : kRows;
+    for (int r = 0; r < count; ++r) rows[r] = matrix[index[u + r]].data();
+    if (count == kRows) {
+      distances<kRows>(rows, runs, mean0, mean1, dist0, dist1);
+    } else {
+      for (int r = 0; r < count; ++r) {
+        distances<1>(rows + r, runs, mean0, mean1, dist0 + r, dist1 + r);
+      }
+    }
+    // The cost and the centre sums take the rows in order.
+    for (int r = 0; r < count; ++r) {
+      const int group = dist1[r] < dist0[r] ? 1 : 0;
+      labels[u + r] = group;
+      cost += group == 1 ? dist1[r] : dist0[r];
+      sums.add(rows[r], runs, group);
+    }
+  }
+  sums.finish();
+  return cost;
+}
+
 }  // namespace
 
 void twoMeansOnBlock(const std::vector<Vec<float>>& matrix, const Vec<int>& index,
@@ -167,33 +226,22 @@ void twoMeansOnBlock(const std::vector<Vec<float>>& matrix, const Vec<int>& inde
   labels.clear();
   labels.resize(m);
   findRuns(index, scratch.runs);
-  scratch.means.resize(2 * static_cast<std::size_t>(m));
   const std::vector<Run>& runs = scratch.runs;
-  float* mean0 = scratch.means.data();
-  float* mean1 = mean0 + m;
-  twoMeans(matrix, index, runs, initLabels, mean0, mean1);
-  constexpr int kRows = 4;
+  // Two pairs of centres: the pass reads one pair (the means of the last
+  // labels) while it sums the other (the means of the new labels), so a
+  // pass reads the block once for the assignment and the update together.
+  scratch.means.resize(4 * static_cast<std::size_t>(m));
+  float* means = scratch.means.data();
+  float* next = means + 2 * static_cast<std::size_t>(m);
+  CentreSums seedSums(means, means + m, m);
+  seedSums.start();
+  for (int u = 0; u < m; ++u) seedSums.add(matrix[index[u]].data(), runs, initLabels[u]);
+  seedSums.finish();
+
   float prevCost = 0.0f;
   for (int iter = 0;; ++iter) {
-    float cost = 0.0f;
-    for (int u = 0; u < m; u += kRows) {
-      const float* rows[kRows];
-      float dist0[kRows], dist1[kRows];
-      const int count = m - u < kRows ? m - u : kRows;
-      for (int r = 0; r < count; ++r) rows[r] = matrix[index[u + r]].data();
-      if (count == kRows) {
-        distances<kRows>(rows, runs, mean0, mean1, dist0, dist1);
-      } else {
-        for (int r = 0; r < count; ++r)
-          distances<1>(rows + r, runs, mean0, mean1, dist0 + r, dist1 + r);
-      }
-      // Ties go to centre 0, as in kmeansCore; the cost adds in row order.
-      for (int r = 0; r < count; ++r) {
-        labels[u + r] = dist1[r] < dist0[r] ? 1 : 0;
-        cost += dist1[r] < dist0[r] ? dist1[r] : dist0[r];
-      }
-    }
-    twoMeans(matrix, index, runs, labels, mean0, mean1);
+    const float cost = assignAndSum(matrix, index, runs, means, next, labels);
+    std::swap(means, next);
     if (iter != 0) {
       const float relativeChange = std::fabs((prevCost - cost) / prevCost);
       if (static_cast<double>(relativeChange) < kRelativeChangeLimit) return;
