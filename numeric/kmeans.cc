@@ -5,6 +5,10 @@
 #include <cstddef>
 #include <utility>
 
+#if defined(__x86_64__)
+#include <immintrin.h>
+#endif
+
 #include "numeric/mat_ops.h"
 #include "numeric/rand_perm.h"
 
@@ -98,6 +102,7 @@ namespace detail {
 namespace {
 
 #if defined(__x86_64__) && defined(__GNUC__) && !defined(__clang__)
+#define XVKFC_KMEANS_AVX2 1
 #define XVKFC_KMEANS_CLONES __attribute__((target_clones("avx2", "default")))
 // Inlined into each clone, so that the clone's instructions reach them.
 #define XVKFC_KMEANS_INLINE inline __attribute__((always_inline))
@@ -180,6 +185,88 @@ XVKFC_KMEANS_INLINE void distances(const float* const* rows, const std::vector<R
   }
 }
 
+#ifdef XVKFC_KMEANS_AVX2
+// distances<8> with the eight rows in the eight lanes of AVX2 registers:
+// blocks of 8 x 8 elements are transposed so that lane r holds row r, and
+// every lane then does distances<8>'s operations for its row, column after
+// column (subtract, square, add; no fused multiply-add): the same bits.
+// Lane r: sum += (x - c)^2 for one column, in distances<8>'s operations.
+__attribute__((target("avx2"), always_inline)) inline void addColumn(__m256 x, const float* c0,
+                                                                     const float* c1, __m256* sum0,
+                                                                     __m256* sum1) {
+  const __m256 d0 = _mm256_sub_ps(x, _mm256_broadcast_ss(c0));
+  const __m256 d1 = _mm256_sub_ps(x, _mm256_broadcast_ss(c1));
+  *sum0 = _mm256_add_ps(*sum0, _mm256_mul_ps(d0, d0));
+  *sum1 = _mm256_add_ps(*sum1, _mm256_mul_ps(d1, d1));
+}
+
+__attribute__((target("avx2"))) void distances8Avx2(const float* const* rows,
+                                                    const std::vector<Run>& runs,
+                                                    const float* mean0, const float* mean1,
+                                                    float* dist0, float* dist1) {
+  __m256 sum0 = _mm256_setzero_ps(), sum1 = _mm256_setzero_ps();
+  for (const Run& run : runs) {
+    const float* c0 = mean0 + run.first;
+    const float* c1 = mean1 + run.first;
+    int t = 0;
+    for (; t + 8 <= run.length; t += 8) {
+      const int j = run.start + t;
+      const __m256 t0 =
+          _mm256_unpacklo_ps(_mm256_loadu_ps(rows[0] + j), _mm256_loadu_ps(rows[1] + j));
+      const __m256 t1 =
+          _mm256_unpackhi_ps(_mm256_loadu_ps(rows[0] + j), _mm256_loadu_ps(rows[1] + j));
+      const __m256 t2 =
+          _mm256_unpacklo_ps(_mm256_loadu_ps(rows[2] + j), _mm256_loadu_ps(rows[3] + j));
+      const __m256 t3 =
+          _mm256_unpackhi_ps(_mm256_loadu_ps(rows[2] + j), _mm256_loadu_ps(rows[3] + j));
+      const __m256 t4 =
+          _mm256_unpacklo_ps(_mm256_loadu_ps(rows[4] + j), _mm256_loadu_ps(rows[5] + j));
+      const __m256 t5 =
+          _mm256_unpackhi_ps(_mm256_loadu_ps(rows[4] + j), _mm256_loadu_ps(rows[5] + j));
+      const __m256 t6 =
+          _mm256_unpacklo_ps(_mm256_loadu_ps(rows[6] + j), _mm256_loadu_ps(rows[7] + j));
+      const __m256 t7 =
+          _mm256_unpackhi_ps(_mm256_loadu_ps(rows[6] + j), _mm256_loadu_ps(rows[7] + j));
+      // Columns k and k + 4 of rows 0-3 (lo) and rows 4-7 (hi).
+      const __m256 lo0 = _mm256_shuffle_ps(t0, t2, _MM_SHUFFLE(1, 0, 1, 0));
+      const __m256 lo1 = _mm256_shuffle_ps(t0, t2, _MM_SHUFFLE(3, 2, 3, 2));
+      const __m256 lo2 = _mm256_shuffle_ps(t1, t3, _MM_SHUFFLE(1, 0, 1, 0));
+      const __m256 lo3 = _mm256_shuffle_ps(t1, t3, _MM_SHUFFLE(3, 2, 3, 2));
+      const __m256 hi0 = _mm256_shuffle_ps(t4, t6, _MM_SHUFFLE(1, 0, 1, 0));
+      const __m256 hi1 = _mm256_shuffle_ps(t4, t6, _MM_SHUFFLE(3, 2, 3, 2));
+      const __m256 hi2 = _mm256_shuffle_ps(t5, t7, _MM_SHUFFLE(1, 0, 1, 0));
+      const __m256 hi3 = _mm256_shuffle_ps(t5, t7, _MM_SHUFFLE(3, 2, 3, 2));
+      addColumn(_mm256_permute2f128_ps(lo0, hi0, 0x20), c0 + t, c1 + t, &sum0, &sum1);
+      addColumn(_mm256_permute2f128_ps(lo1, hi1, 0x20), c0 + t + 1, c1 + t + 1, &sum0, &sum1);
+      addColumn(_mm256_permute2f128_ps(lo2, hi2, 0x20), c0 + t + 2, c1 + t + 2, &sum0, &sum1);
+      addColumn(_mm256_permute2f128_ps(lo3, hi3, 0x20), c0 + t + 3, c1 + t + 3, &sum0, &sum1);
+      addColumn(_mm256_permute2f128_ps(lo0, hi0, 0x31), c0 + t + 4, c1 + t + 4, &sum0, &sum1);
+      addColumn(_mm256_permute2f128_ps(lo1, hi1, 0x31), c0 + t + 5, c1 + t + 5, &sum0, &sum1);
+      addColumn(_mm256_permute2f128_ps(lo2, hi2, 0x31), c0 + t + 6, c1 + t + 6, &sum0, &sum1);
+      addColumn(_mm256_permute2f128_ps(lo3, hi3, 0x31), c0 + t + 7, c1 + t + 7, &sum0, &sum1);
+    }
+    for (; t < run.length; ++t) {
+      const int j = run.start + t;
+      addColumn(_mm256_setr_ps(rows[0][j], rows[1][j], rows[2][j], rows[3][j], rows[4][j],
+                               rows[5][j], rows[6][j], rows[7][j]),
+                c0 + t, c1 + t, &sum0, &sum1);
+    }
+  }
+  _mm256_storeu_ps(dist0, sum0);
+  _mm256_storeu_ps(dist1, sum1);
+}
+#endif
+
+using EightDistances = void (*)(const float* const*, const std::vector<Run>&, const float*,
+                                const float*, float*, float*);
+
+EightDistances eightDistances() {
+#ifdef XVKFC_KMEANS_AVX2
+  if (__builtin_cpu_supports("avx2")) return distances8Avx2;
+#endif
+  return distances<8>;
+}
+
 // One Lloyd pass: every row assigned to the nearer of the centres in
 // `means` (ties to centre 0), while `next` receives the means of the new
 // labels. Returns the cost, summed in row order. On x86-64 an AVX2 clone
@@ -188,6 +275,7 @@ XVKFC_KMEANS_CLONES float assignAndSum(const std::vector<Vec<float>>& matrix, co
                                        const std::vector<Run>& runs, const float* means,
                                        float* next, Vec<int>& labels) {
   constexpr int kRows = 8;
+  static const EightDistances distancesOf8 = eightDistances();
   const int m = static_cast<int>(index.size());
   const float* mean0 = means;
   const float* mean1 = means + m;
@@ -200,7 +288,7 @@ XVKFC_KMEANS_CLONES float assignAndSum(const std::vector<Vec<float>>& matrix, co
     const int count = m - u < kRows ? m - u : kRows;
     for (int r = 0; r < count; ++r) rows[r] = matrix[index[u + r]].data();
     if (count == kRows) {
-      distances<kRows>(rows, runs, mean0, mean1, dist0, dist1);
+      distancesOf8(rows, runs, mean0, mean1, dist0, dist1);
     } else {
       for (int r = 0; r < count; ++r) {
         distances<1>(rows + r, runs, mean0, mean1, dist0 + r, dist1 + r);
