@@ -12,22 +12,31 @@
 
 namespace {
 
+// Work lists of one ClusterSplit call, reused from split to split.
+struct SplitBuffers {
+  Vec<int> seedGroups;
+  Vec<int> groups;
+  detail::TwoMeansScratch scratch;
+  std::vector<float> rowSums;
+};
+
 // Mean similarity over the ordered pairs of distinct faces of `members`:
 // per face, its row sum over the cluster less its own entry, over m - 1.
-float tightness(const detail::Kernel& kernel, const Vec<int>& members) {
+float tightness(const detail::Kernel& kernel, const Vec<int>& members, SplitBuffers& buffers) {
   const int m = static_cast<int>(members.size());
+  detail::blockRowSums(kernel, members, buffers.scratch.runs, buffers.rowSums);
   float score = 0.0f;
-  detail::rowSumsAndMaxima(kernel, members, members, [&](std::size_t u, float sum, float) {
+  for (int u = 0; u < m; ++u) {
     const int face = members[u];
-    score += (sum - kernel[face][face]) * (1.0f / static_cast<float>(m - 1));
-  });
+    score += (buffers.rowSums[u] - kernel[face][face]) * (1.0f / static_cast<float>(m - 1));
+  }
   return score / static_cast<float>(m);
 }
 
 // The position in `members` of the face that seeds the second group, or -1
 // when the cluster is kept. The three tests are tried in this order.
-int splitSeed(const detail::Kernel& kernel, const Vec<int>& members) {
-  if (tightness(kernel, members) < detail::kSplitSimilarity) return 0;
+int splitSeed(const detail::Kernel& kernel, const Vec<int>& members, SplitBuffers& buffers) {
+  if (tightness(kernel, members, buffers) < detail::kSplitSimilarity) return 0;
   if (members.size() == 2 && kernel[members[0]][members[1]] < detail::kSplitPairSimilarity) {
     return 0;
   }
@@ -38,13 +47,6 @@ int splitSeed(const detail::Kernel& kernel, const Vec<int>& members) {
   }
   return -1;
 }
-
-// Work lists of one ClusterSplit call, reused from split to split.
-struct SplitBuffers {
-  Vec<int> seedGroups;
-  Vec<int> groups;
-  detail::TwoMeansScratch scratch;
-};
 
 // 2-means on the cluster's own kernel block, read in place; the faces that
 // end in group 1 get the next id above every id in use.
@@ -72,7 +74,7 @@ void FaceClusteringSystem::ClusterSplit(Vec<int>& labels) {
     SplitBuffers buffers;
     for (const Vec<int>& cluster : members) {
       if (cluster.size() <= 1) continue;
-      const int seed = splitSeed(kernel, cluster);
+      const int seed = splitSeed(kernel, cluster, buffers);
       if (seed >= 0) split(kernel, cluster, seed, buffers, labels);
     }
   });

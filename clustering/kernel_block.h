@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <vector>
 
+#include "numeric/kmeans.h"
 #include "numeric/vec.h"
 
 namespace detail {
@@ -60,6 +61,14 @@ void rowSumsAndMaxima(const Kernel& kernel, const Vec<int>& rows, const Vec<int>
     visit(u, s, m);
   }
 }
+
+// sums[u] = the sum of kernel row members[u] over `members`, added in list
+// order from 0.0: the sums rowSumsAndMaxima gives, for a whole block at a
+// time, read by runs of consecutive members with eight rows together (eight
+// lanes of a vector register where the CPU has AVX2). `runs` is scratch.
+// REQUIRES: every member < kernel.size().
+void blockRowSums(const Kernel& kernel, const Vec<int>& members, std::vector<Run>& runs,
+                  std::vector<float>& sums);
 
 // The minimum of kernel row `face` over `cols`: starts at the first entry and
 // is replaced only by a strictly smaller one.

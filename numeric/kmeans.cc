@@ -99,17 +99,6 @@ void computeMeans(Mat<float>& data, Mat<float>& means, Vec<int>& labels) {
 }
 
 namespace detail {
-namespace {
-
-#if defined(__x86_64__) && defined(__GNUC__) && !defined(__clang__)
-#define XVKFC_KMEANS_AVX2 1
-#define XVKFC_KMEANS_CLONES __attribute__((target_clones("avx2", "default")))
-// Inlined into each clone, so that the clone's instructions reach them.
-#define XVKFC_KMEANS_INLINE inline __attribute__((always_inline))
-#else
-#define XVKFC_KMEANS_INLINE inline
-#define XVKFC_KMEANS_CLONES
-#endif
 
 void findRuns(const Vec<int>& index, std::vector<Run>& runs) {
   runs.clear();
@@ -121,6 +110,18 @@ void findRuns(const Vec<int>& index, std::vector<Run>& runs) {
     }
   }
 }
+
+namespace {
+
+#if defined(__x86_64__) && defined(__GNUC__) && !defined(__clang__)
+#define XVKFC_KMEANS_AVX2 1
+#define XVKFC_KMEANS_CLONES __attribute__((target_clones("avx2", "default")))
+// Inlined into each clone, so that the clone's instructions reach them.
+#define XVKFC_KMEANS_INLINE inline __attribute__((always_inline))
+#else
+#define XVKFC_KMEANS_INLINE inline
+#define XVKFC_KMEANS_CLONES
+#endif
 
 // computeMeans for k = 2, one row at a time: start(), add() for every row
 // in label-list order, finish(). Each centre element is its own sum, added
@@ -306,6 +307,17 @@ XVKFC_KMEANS_CLONES float assignAndSum(const std::vector<Vec<float>>& matrix, co
   return cost;
 }
 
+// The first centre update: the means of the seed labels.
+XVKFC_KMEANS_CLONES void seedMeans(const std::vector<Vec<float>>& matrix, const Vec<int>& index,
+                                   const std::vector<Run>& runs, const Vec<int>& initLabels,
+                                   float* means) {
+  const std::size_t m = index.size();
+  CentreSums sums(means, means + m, m);
+  sums.start();
+  for (std::size_t u = 0; u < m; ++u) sums.add(matrix[index[u]].data(), runs, initLabels[u]);
+  sums.finish();
+}
+
 }  // namespace
 
 void twoMeansOnBlock(const std::vector<Vec<float>>& matrix, const Vec<int>& index,
@@ -321,10 +333,7 @@ void twoMeansOnBlock(const std::vector<Vec<float>>& matrix, const Vec<int>& inde
   scratch.means.resize(4 * static_cast<std::size_t>(m));
   float* means = scratch.means.data();
   float* next = means + 2 * static_cast<std::size_t>(m);
-  CentreSums seedSums(means, means + m, m);
-  seedSums.start();
-  for (int u = 0; u < m; ++u) seedSums.add(matrix[index[u]].data(), runs, initLabels[u]);
-  seedSums.finish();
+  seedMeans(matrix, index, runs, initLabels, means);
 
   float prevCost = 0.0f;
   for (int iter = 0;; ++iter) {

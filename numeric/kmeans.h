@@ -40,6 +40,10 @@ struct Run {
   int length;
 };
 
+// The runs of consecutive indices of `index`, in order (empty for an empty
+// list).
+void findRuns(const Vec<int>& index, std::vector<Run>& runs);
+
 // Scratch space of twoMeansOnBlock, kept by the caller so that repeated
 // calls allocate nothing once it has grown.
 struct TwoMeansScratch {

@@ -14,6 +14,7 @@
 
 #include "clustering/cluster_merge.h"
 #include "clustering/face_clustering_system.h"
+#include "clustering/kernel_block.h"
 #include "reference/reference_clustering.h"
 #include "support/log_capture.h"
 
@@ -183,6 +184,33 @@ TEST(ClusteringEquivalence, RefinementMatchesTheReference) {
       EXPECT_EQ(engine.faces[i].clusterId, actual[i] == -2 ? 0 : actual[i]);
     }
     EXPECT_EQ(log.messages(), expectedLog);
+  }
+}
+
+TEST(ClusteringEquivalence, BlockRowSumsAddInListOrder) {
+  // Uniform values over many magnitudes, so that any other order of the
+  // additions shows in the bits; member lists with runs of every length.
+  for (int seed = 0; seed < 40; ++seed) {
+    SCOPED_TRACE(seed);
+    Random random(seed);
+    const int n = 1 + random.below(60);
+    Kernel kernel(n, Vec<float>(n));
+    for (Vec<float>& row : kernel) {
+      for (float& x : row) x = random.unit() * static_cast<float>(1 << random.below(20));
+    }
+    Vec<int> members;
+    for (int i = 0; i < n; ++i) {
+      if (random.below(5) != 0) members.push_back(i);
+    }
+    std::vector<detail::Run> runs;
+    std::vector<float> sums;
+    detail::blockRowSums(kernel, members, runs, sums);
+    ASSERT_EQ(sums.size(), members.size());
+    for (std::size_t u = 0; u < members.size(); ++u) {
+      float plain = 0.0f;
+      for (int j : members) plain += kernel[members[u]][j];
+      EXPECT_EQ(sums[u], plain);
+    }
   }
 }
 
