@@ -69,6 +69,7 @@ using EightRowSums = void (*)(const float* const*, const std::vector<Run>&, floa
 
 EightRowSums eightRowSumsForThisCpu() {
 #ifdef XVKFC_BLOCK_AVX2
+  __builtin_cpu_init();  // idempotent; needed before constructors have run
   if (__builtin_cpu_supports("avx2")) return eightRowSumsAvx2;
 #endif
   return eightRowSums;
@@ -78,7 +79,7 @@ EightRowSums eightRowSumsForThisCpu() {
 
 void blockRowSums(const Kernel& kernel, const Vec<int>& members, std::vector<Run>& runs,
                   std::vector<float>& sums) {
-  static const EightRowSums eightSums = eightRowSumsForThisCpu();
+  const EightRowSums eightSums = eightRowSumsForThisCpu();
   findRuns(members, runs);
   const std::size_t m = members.size();
   sums.resize(m);

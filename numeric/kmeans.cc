@@ -263,6 +263,7 @@ using EightDistances = void (*)(const float* const*, const std::vector<Run>&, co
 
 EightDistances eightDistances() {
 #ifdef XVKFC_KMEANS_AVX2
+  __builtin_cpu_init();  // idempotent; needed before constructors have run
   if (__builtin_cpu_supports("avx2")) return distances8Avx2;
 #endif
   return distances<8>;
@@ -276,7 +277,7 @@ XVKFC_KMEANS_CLONES float assignAndSum(const std::vector<Vec<float>>& matrix, co
                                        const std::vector<Run>& runs, const float* means,
                                        float* next, Vec<int>& labels) {
   constexpr int kRows = 8;
-  static const EightDistances distancesOf8 = eightDistances();
+  const EightDistances distancesOf8 = eightDistances();
   const int m = static_cast<int>(index.size());
   const float* mean0 = means;
   const float* mean1 = means + m;

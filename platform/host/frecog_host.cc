@@ -125,7 +125,8 @@ __attribute__((target("avx2"))) void sumProductsAvx2(const float* a, const float
 ProductSums productSums(const float* a, const float* b) {
   ProductSums sums;
 #ifdef XVKFC_HOST_AVX2
-  static const bool hasAvx2 = __builtin_cpu_supports("avx2");
+  __builtin_cpu_init();  // idempotent; needed before constructors have run
+  const bool hasAvx2 = __builtin_cpu_supports("avx2");
   if (hasAvx2) {
     sumProductsAvx2(a, b, &sums);
     sums.fold();
