@@ -212,7 +212,7 @@ void writeReport(const std::string& path, const ReportData& data) {
 void writeBatchReport(const std::string& path, ReportData data, EngineSession& session,
                       const FeatureMatrix& features, const std::vector<int>& faceIds,
                       Progress& progress) {
-  data.quality = data.batches.back().quality;
+  if (!data.quality) data.quality = data.batches.back().quality;
   data.view =
       buildSimilarityView(session, features, faceIds, data.clusters, kReportMaxFaces, progress);
   writeReport(path, data);
