@@ -16,6 +16,7 @@
 #include "tools/feature_file.h"
 #include "tools/gallery.h"
 #include "tools/npy.h"
+#include "tools/png_image.h"
 
 namespace tool {
 namespace {
@@ -268,6 +269,19 @@ TEST_F(ProgramTest, ExtractsFeaturesOfFaceRectanglesInAYuvImage) {
   const FeatureMatrix features = readFeatures(Path("two.npy"));
   ASSERT_EQ(features.rows(), 2);
   EXPECT_NE(std::memcmp(features.row(0), features.row(1), 3840), 0);
+
+  // The same grey levels as a PNG: converted to Y = grey, U = V = 128, it
+  // gives the same features.
+  RgbImage grey(width, height, {0, 0, 0});
+  for (int i = 0; i < width * height; ++i) {
+    const uint8_t level = static_cast<uint8_t>(pattern[i]);
+    grey.fill(i % width, i / width, 1, 1, {level, level, level});
+  }
+  const ProcessResult png =
+      runProgram({"extract", folder_.write("pattern.png", encodePng(grey)), "--face", "0,0,20,11",
+                  "--face", "2,1,12,9", "-o", Path("png.npy")});
+  ASSERT_EQ(png.exitCode, 0) << png.err;
+  EXPECT_EQ(readWholeFile(Path("png.npy")), readWholeFile(Path("two.npy")));
 
   const struct {
     std::string image, face, expected;
