@@ -53,8 +53,8 @@ std::string sizeHistogramSvg(const std::map<int, int>& clustersOfSize) {
   const int largest = clustersOfSize.empty() ? 1 : clustersOfSize.rbegin()->first;
   int highest = 1;
   for (const auto& [size, count] : clustersOfSize) highest = std::max(highest, count);
-  // Bars of at least 6 pixels, the plot at least 320 wide.
-  const int bar = std::max(6, 320 / largest);
+  // Bars of at least 6 pixels, the plot about 480 wide.
+  const int bar = std::max(6, 480 / largest);
   const int left = 56, top = 16, plotHeight = kPlotHeight, bottom = 48;
   const int width = left + largest * bar + 16, height = top + plotHeight + bottom;
   const int baseline = top + plotHeight;
