@@ -35,7 +35,9 @@ int main(int argc, char** argv) {
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& e) {
-    return app.exit(e) == 0 ? tool::kExitOk : tool::kExitUsage;
+    if (e.get_exit_code() == 0) return app.exit(e);  // --help, --version
+    std::fprintf(stderr, "xvkfc: error: %s\nRun with --help for more information.\n", e.what());
+    return tool::kExitUsage;
   }
   tool::routeLibraryLog(global.verbose);
   try {

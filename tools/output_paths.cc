@@ -22,10 +22,10 @@ void checkOutputPaths(const std::vector<std::string>& paths) {
   std::set<std::string> seen;
   for (const std::string& path : paths) {
     if (path.empty()) continue;
-    if (!seen.insert(path).second) throw ToolError(path + ": named as two different outputs");
+    if (!seen.insert(path).second) throw UsageError(path + ": named as two different outputs");
     struct stat info;
     if (stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode)) {
-      throw ToolError(path + ": is a folder, not a file to write");
+      throw UsageError(path + ": is a folder, not a file to write");
     }
     const std::string folder = folderOf(path);
     if (stat(folder.c_str(), &info) != 0 || !S_ISDIR(info.st_mode)) {

@@ -8,9 +8,10 @@
 
 namespace tool {
 
-// Throws ToolError for the first path of `paths` (empty ones are skipped)
-// whose folder does not exist or cannot be written to, that is itself a
-// folder, or that another entry of `paths` also names.
+// Checks the paths of `paths` in order (empty ones are skipped): throws
+// UsageError for a path that is a folder or that an earlier entry also
+// names, and ToolError for one whose folder does not exist or cannot be
+// written to.
 void checkOutputPaths(const std::vector<std::string>& paths);
 
 }  // namespace tool

@@ -104,6 +104,7 @@ TEST_F(ProgramTest, CommandLineMistakesAreUsageErrors) {
       {{"cluster", features, "-o", Path("x"), "--existing", Path("x")}, "--existing needs --ids"},
       {{"cluster", features, "-o", Path("x"), "--metrics-json", Path("m")}, "needs --labels"},
       {{"representative", features, "--cluster", "3"}, "go together"},
+      {{"cluster", features, "-o", Path("x"), "--report", Path("x")}, "two different outputs"},
       {{"extract", features, "--face", "0,0,1,1", "-o", Path("x")}, "--size is required"},
       {{"extract", folder_.write("4x4.yuv", std::string(24, '\0')), "--size", "4x4", "--face",
         "0,0,9,1", "-o", Path("x")},
