@@ -279,7 +279,7 @@ std::string renderReport(const ReportData& data) {
       << escapeHtml(data.title) << "</title>\n<style>" << kStyle << "</style>\n</head>\n<body>\n";
   out << "<h1>" << escapeHtml(data.title) << "</h1>\n";
   out << "<p>" << escapeHtml(data.input) << "</p>\n";
-  out << "<h2>Result</h2>\n<table>\n"
+  out << "<h2>Result: every face in the clusters after the run</h2>\n<table>\n"
       << "<tr><th>clusters</th><td>" << clusters << "</td></tr>\n"
       << "<tr><th>unclustered faces</th><td>" << unclustered << "</td></tr>\n"
       << "<tr><th>face entries in the result</th><td>" << faces << "</td></tr>\n"
