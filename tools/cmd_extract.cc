@@ -1,4 +1,5 @@
 // xvkfc extract: features of face rectangles in a planar YUV 4:2:0 image.
+#include <cstdint>
 #include <cstdio>
 #include <memory>
 #include <sstream>
@@ -67,8 +68,11 @@ YuvImage readImage(const ExtractOptions& options) {
   image.height = size[1];
   const std::string bytes = readWholeFile(options.image);
   // Y plane, then U and V planes of half the size rounded up.
-  const size_t chroma = static_cast<size_t>((image.width + 1) / 2) * ((image.height + 1) / 2);
-  const size_t expected = static_cast<size_t>(image.width) * image.height + 2 * chroma;
+  // In 64 bits: 2147483647 x 2147483647 needs about 2^62 bytes.
+  const uint64_t chroma = (static_cast<uint64_t>(image.width) + 1) / 2 *
+                          ((static_cast<uint64_t>(image.height) + 1) / 2);
+  const uint64_t expected =
+      static_cast<uint64_t>(image.width) * static_cast<uint64_t>(image.height) + 2 * chroma;
   if (bytes.size() != expected) {
     throw ToolError(options.image + ": " + (bytes.size() < expected ? "truncated: " : "") +
                     "a planar YUV 4:2:0 image of " + options.size + " has " +
@@ -86,8 +90,9 @@ int runExtract(const ExtractOptions& options, const GlobalOptions& global) {
   std::vector<itf_xvk_faceroi> rois;
   for (const std::string& face : options.faces) {
     const std::vector<int> r = parseInts(face, ',', 4, "face rectangle (LEFT,TOP,WIDTH,HEIGHT)");
-    if (r[0] < 0 || r[1] < 0 || r[2] < 1 || r[3] < 1 || r[0] + r[2] > width ||
-        r[1] + r[3] > height) {
+    // In 64 bits: left + width of two large ints overflows int.
+    if (r[0] < 0 || r[1] < 0 || r[2] < 1 || r[3] < 1 || int64_t{r[0]} + r[2] > width ||
+        int64_t{r[1]} + r[3] > height) {
       throw UsageError("face rectangle " + face + " does not lie inside the " +
                        std::to_string(width) + "x" + std::to_string(height) + " image");
     }
