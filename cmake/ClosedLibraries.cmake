@@ -27,6 +27,16 @@ else()
     $<INSTALL_INTERFACE:include/xvkfc/platform/tavo>)
   add_library(TAVO_FR SHARED platform/host/frecog_host.cc)
   add_library(TAVO_LD SHARED platform/host/landmark_host.cc)
+  # Built and installed as libxvkfc_standin_fr.so and libxvkfc_standin_ld.so,
+  # so that a stand-in is never taken for (or installed over) the vendor's
+  # library of the same name; ask for the vendor's names with
+  # -DXVKFC_STANDINS_AS_VENDOR_NAMES=ON.
+  option(XVKFC_STANDINS_AS_VENDOR_NAMES
+         "Name the host stand-ins libTAVO_FR.so and libTAVO_LD.so, as the vendor does" OFF)
+  if(NOT XVKFC_STANDINS_AS_VENDOR_NAMES)
+    set_target_properties(TAVO_FR PROPERTIES OUTPUT_NAME xvkfc_standin_fr)
+    set_target_properties(TAVO_LD PROPERTIES OUTPUT_NAME xvkfc_standin_ld)
+  endif()
   foreach(lib TAVO_FR TAVO_LD)
     target_link_libraries(${lib} PRIVATE xvkfc_closed_headers)
     # The host stand-ins export their whole class, as the vendor's do.

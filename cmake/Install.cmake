@@ -14,11 +14,26 @@ install(TARGETS ${_targets}
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
   RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 
+# Installed headers sit under include/xvkfc and name each other from there
+# ("xvkfc/numeric/vec.h"), so that an application needs one include root,
+# include/, and writes #include <xvkfc/interface/face_recognition.h>. The
+# copies are rewritten here from the sources, which name each other from
+# the source root.
+set(_public_headers platform/export.h)
 foreach(dir interface numeric clustering)
-  install(DIRECTORY ${dir}/ DESTINATION include/xvkfc/${dir}
-          FILES_MATCHING PATTERN "*.h" PATTERN "detail" EXCLUDE)
+  file(GLOB _found RELATIVE ${PROJECT_SOURCE_DIR} CONFIGURE_DEPENDS ${dir}/*.h)
+  list(APPEND _public_headers ${_found})
 endforeach()
-install(FILES platform/export.h DESTINATION include/xvkfc/platform)
+foreach(header ${_public_headers})
+  file(READ ${PROJECT_SOURCE_DIR}/${header} _text)
+  string(REGEX REPLACE "#include \"(interface|numeric|clustering|platform)/"
+                       "#include \"xvkfc/\\1/" _text "${_text}")
+  file(GENERATE OUTPUT ${CMAKE_CURRENT_BINARY_DIR}/public_include/xvkfc/${header}
+                CONTENT "${_text}")
+  get_filename_component(_folder ${header} DIRECTORY)
+  install(FILES ${CMAKE_CURRENT_BINARY_DIR}/public_include/xvkfc/${header}
+          DESTINATION include/xvkfc/${_folder})
+endforeach()
 if(NOT ANDROID)
   install(DIRECTORY platform/tavo/ DESTINATION include/xvkfc/platform/tavo)
 endif()

@@ -24,3 +24,5 @@ echo "=== xvkfc demo"
 build/release/tools/xvkfc demo --report "$report" -o build/release/demo-clusters.json "$@" || exit 1
 echo
 echo "Open the report in a browser: file://$report"
+echo "The program is $PWD/build/release/tools/xvkfc; to run it as 'xvkfc':"
+echo "  export PATH=\"$PWD/build/release/tools:\$PATH\""

@@ -3,6 +3,7 @@
 #define XVKFC_TOOLS_CHARTS_H_
 
 #include <map>
+#include <string>
 #include <vector>
 
 #include "tools/png_image.h"
@@ -23,10 +24,11 @@ Rgb heatColor(int similarity);
 RgbImage heatMap(const std::vector<int>& similarities, int n, const std::vector<int>& blocks,
                  int scale);
 
-// Bar chart of cluster sizes: one bar per size from 1 to the largest, its
-// height the number of clusters of that size, labelled with the count above
-// and the size below. `clustersOfSize` maps size to count.
-RgbImage sizeHistogram(const std::map<int, int>& clustersOfSize);
+// Bar chart of cluster sizes as inline SVG, so that its text zooms and can
+// be searched: one bar per size from 1 to the largest, its height the number
+// of clusters of that size (each bar's count as a tooltip, and above it when
+// there is room), with both axes titled. `clustersOfSize` maps size to count.
+std::string sizeHistogramSvg(const std::map<int, int>& clustersOfSize);
 
 }  // namespace tool
 

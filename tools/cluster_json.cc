@@ -16,6 +16,9 @@ namespace {
 
 using nlohmann::json;
 
+constexpr const char* kFormat = "xvkfc-clusters";
+constexpr int kVersion = 1;
+
 // A JSON number that prints with at most nine significant digits and still
 // converts back to exactly `value`: nine digits identify every float32.
 json shortFloat(float value) {
@@ -82,6 +85,29 @@ ClusterRecord parseCluster(const json& cluster, const std::string& where) {
   return record;
 }
 
+// Refuses a document of another format, or of a version newer than this
+// program writes: a newer writer may have added meaning this reader would
+// drop. A file without the two fields (hand-written) is read as version 1.
+void checkFormat(const json& document, const std::string& source) {
+  if (!document.is_object()) return;  // reported as a missing "clusters" array
+  const auto format = document.find("format");
+  if (format != document.end() && *format != kFormat) {
+    throw ToolError(source + ": not a clusters file (format " + format->dump() + ", expected \"" +
+                    kFormat + "\")");
+  }
+  const auto version = document.find("version");
+  if (version == document.end()) return;
+  int number = 0;
+  if (!asInt(*version, number) || number < 1) {
+    throw ToolError(source + ": \"version\" must be a positive integer");
+  }
+  if (number > kVersion) {
+    throw ToolError(source + ": clusters file version " + std::to_string(number) +
+                    " is newer than this program reads (" + std::to_string(kVersion) +
+                    "); use a newer xvkfc");
+  }
+}
+
 }  // namespace
 
 std::string clustersToJson(const std::vector<ClusterRecord>& clusters) {
@@ -101,8 +127,8 @@ std::string clustersToJson(const std::vector<ClusterRecord>& clusters) {
     list.push_back(std::move(cluster));
   }
   json document;
-  document["format"] = "xvkfc-clusters";
-  document["version"] = 1;
+  document["format"] = kFormat;
+  document["version"] = kVersion;
   document["feature_dim"] = kFeatureDim;
   document["clusters"] = std::move(list);
   return document.dump(1) + "\n";
@@ -115,7 +141,8 @@ std::vector<ClusterRecord> clustersFromJson(const std::string& text, const std::
   } catch (const json::parse_error& e) {
     throw ToolError(source + ": malformed JSON (byte " + std::to_string(e.byte) + ")");
   }
-  if (!document.is_object() || !document.contains("clusters") || !document["clusters"].is_array()) {
+  checkFormat(document, source);
+  if (!document.contains("clusters") || !document["clusters"].is_array()) {
     throw ToolError(source + ": not a clusters file (no \"clusters\" array)");
   }
   std::vector<ClusterRecord> clusters;

@@ -32,11 +32,10 @@ struct ClusterRecord {
 std::string clustersToJson(const std::vector<ClusterRecord>& clusters);
 
 // Parses a clusters document. `source` names it in messages. Throws
-// ToolError for malformed JSON, a missing or mistyped field, a cluster id
-// below -1, the same cluster id twice, a face listed twice in one cluster,
-// or a representative feature that is not 960 finite numbers.
-// A face may appear in two clusters: the library itself puts an unclustered
-// face into every existing cluster it matches.
+// ToolError for malformed JSON, another "format", a "version" above 1, a missing or mistyped field,
+// a cluster id below -1, the same cluster id twice, a face listed twice in one cluster, or a
+// representative feature that is not 960 finite numbers. A face may appear in two clusters: the
+// library itself puts an unclustered face into every existing cluster it matches.
 std::vector<ClusterRecord> clustersFromJson(const std::string& text, const std::string& source);
 
 // Reads and parses a clusters file.

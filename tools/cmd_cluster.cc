@@ -4,8 +4,13 @@
 #include <memory>
 #include <set>
 
+#include "tools/assignments.h"
 #include "tools/batch_run.h"
+#include "tools/cluster_summary.h"
 #include "tools/commands.h"
+#include "tools/labels.h"
+#include "tools/metrics_json.h"
+#include "tools/output_paths.h"
 #include "tools/report.h"
 #include "tools/tool_error.h"
 
@@ -13,9 +18,24 @@ namespace tool {
 namespace {
 
 struct ClusterOptions {
-  std::string features, ids, existing, output, labels, report;
+  std::string features, ids, existing, output, labels, report, assignments, metrics;
   int batchSize = 0;
 };
+
+// Refuses option combinations that would silently give wrong results.
+void checkOptions(const ClusterOptions& options) {
+  // Without ids the new faces would be numbered 0..N-1, and those numbers
+  // would be stored for good beside the faces of earlier runs.
+  if (!options.existing.empty() && options.ids.empty()) {
+    throw UsageError(
+        "--existing needs --ids: the face ids of the new faces must be given, "
+        "or they would be stored as 0..N-1");
+  }
+  if (!options.metrics.empty() && options.labels.empty()) {
+    throw UsageError("--metrics-json needs --labels: quality is measured against known labels");
+  }
+  checkOutputPaths({options.output, options.report, options.assignments, options.metrics});
+}
 
 void rejectKnownFaces(const std::vector<int>& faceIds, const std::vector<ClusterRecord>& existing,
                       const ClusterOptions& options) {
@@ -32,6 +52,7 @@ void rejectKnownFaces(const std::vector<int>& faceIds, const std::vector<Cluster
 }
 
 int runCluster(const ClusterOptions& options, const GlobalOptions& global) {
+  checkOptions(options);
   Progress progress(global.quiet, global.verbose);
   progress.begin("reading " + options.features);
   const FeatureMatrix features = readFeatures(options.features);
@@ -41,9 +62,10 @@ int runCluster(const ClusterOptions& options, const GlobalOptions& global) {
   rejectKnownFaces(faceIds, existing, options);
   BatchPlan plan;
   plan.batchSize = options.batchSize;
+  Labels labels;
   if (!options.labels.empty()) {
-    plan.identities =
-        identityOfFaces(faceIds, readIntList(options.labels, "labels"), options.labels.c_str());
+    labels = readLabels(options.labels, faceIds);
+    plan.identities = labels.identities;
   }
   progress.end(std::to_string(features.rows()) + " features");
 
@@ -57,12 +79,19 @@ int runCluster(const ClusterOptions& options, const GlobalOptions& global) {
       clusterInBatches(session, features, faceIds, std::move(existing), plan, progress);
 
   writeClusters(options.output, clusters);
+  if (!options.assignments.empty()) writeAssignments(options.assignments, clusters, faceIds);
   const RunSummary& last = batches.back();
-  std::printf("%d faces clustered in %zu batch%s: %d clusters, %d unclustered faces\n",
-              features.rows(), batches.size(), batches.size() == 1 ? "" : "es", last.clusters,
-              last.unclustered);
-  if (last.quality) std::printf("quality: %s\n", describe(*last.quality).c_str());
+  const ScopedQuality quality = measureScoped(clusters, faceIds, labels);
+  std::printf("%s", describeRun(features.rows(), batches.size(), last, clusters,
+                                !options.existing.empty(), quality)
+                        .c_str());
+  if (!options.metrics.empty()) {
+    writeMetrics(options.metrics, quality.gallery ? "gallery" : "file", *quality.quality, last);
+  }
   std::printf("clusters written to %s\n", options.output.c_str());
+  if (!options.assignments.empty())
+    std::printf("assignments written to %s\n", options.assignments.c_str());
+  if (!options.metrics.empty()) std::printf("metrics written to %s\n", options.metrics.c_str());
 
   if (!options.report.empty()) {
     ReportData report;
@@ -71,8 +100,9 @@ int runCluster(const ClusterOptions& options, const GlobalOptions& global) {
         std::to_string(features.rows()) + " faces from " + options.features +
         (options.existing.empty() ? "" : ", merged into the clusters of " + options.existing) + ".";
     report.clusters = clusters;
-    report.identities = plan.identities;
+    report.identities = labels.identities;
     report.batches = batches;
+    report.quality = quality.quality;
     writeBatchReport(options.report, std::move(report), session, features, faceIds, progress);
     std::printf("report written to %s\n", options.report.c_str());
   }
@@ -99,7 +129,7 @@ Command addClusterCommand(CLI::App& app, const GlobalOptions& global) {
       ->required();
   sub->add_option("--ids", options->ids,
                   "Face id of each feature: text (whitespace-separated integers) or .npy int32/"
-                  "int64 (default: 0..N-1)")
+                  "int64/uint32 (default: 0..N-1; required with --existing)")
       ->type_name("FILE");
   sub->add_option("--existing", options->existing,
                   "Clusters file of an earlier run: its clusters are the ones the application "
@@ -108,10 +138,18 @@ Command addClusterCommand(CLI::App& app, const GlobalOptions& global) {
   sub->add_option("--batch-size", options->batchSize,
                   "Cluster N faces per run, in file order, each run fed the previous result "
                   "(default 0: all in one run)")
-      ->check(CLI::NonNegativeNumber);
+      ->check(nonNegative());
   sub->add_option("--labels", options->labels,
-                  "Known identity of each feature (same formats as --ids): prints pairwise and "
-                  "BCubed precision, recall and F-score")
+                  "Known identities: one per feature (same formats as --ids), or lines of "
+                  "FACE_ID LABEL pairs (.npy shape (N, 2)) that may cover the whole gallery: "
+                  "prints pairwise and BCubed precision, recall and F-score")
+      ->type_name("FILE");
+  sub->add_option("--assignments", options->assignments,
+                  "Write the cluster of every input face, in input order (-1: unclustered): "
+                  ".npy int32 (N, 2) face id and cluster id, or text FACE_ID<TAB>CLUSTER_ID")
+      ->type_name("FILE");
+  sub->add_option("--metrics-json", options->metrics,
+                  "Write the quality figures as JSON (needs --labels)")
       ->type_name("FILE");
   sub->add_option("--report", options->report,
                   "Write a self-contained HTML report: similarity heat map, cluster sizes, "

@@ -2,26 +2,35 @@
 #include <cstdio>
 #include <memory>
 
+#include "tools/atomic_file.h"
 #include "tools/commands.h"
 #include "tools/engine_session.h"
+#include "tools/output_paths.h"
+#include "tools/score_matrix.h"
 #include "tools/tool_error.h"
 
 namespace tool {
 namespace {
 
 struct CompareOptions {
-  std::string first, second;
+  std::string first, second, output;
 };
 
 int runCompare(const CompareOptions& options, const GlobalOptions& global) {
+  checkOutputPaths({options.output});
   const FeatureMatrix a = readFeatures(options.first);
   const FeatureMatrix b = options.second.empty() ? a : readFeatures(options.second);
   EngineSession session(global.models);
+  ScoreMatrix scores{a.rows(), b.rows(), {}};
   for (int i = 0; i < a.rows(); ++i) {
-    for (int j = 0; j < b.rows(); ++j) {
-      std::printf("%s%d", j ? "\t" : "", session.compare(a.row(i), b.row(j)));
-    }
-    std::printf("\n");
+    for (int j = 0; j < b.rows(); ++j) scores.values.push_back(session.compare(a.row(i), b.row(j)));
+  }
+  if (options.output.empty()) {
+    std::fputs(encodeScores("-", scores).c_str(), stdout);
+  } else {
+    writeFileAtomically(options.output, encodeScores(options.output, scores));
+    std::printf("%dx%d scores written to %s\n", scores.rows, scores.columns,
+                options.output.c_str());
   }
   return kExitOk;
 }
@@ -37,6 +46,10 @@ Command addCompareCommand(CLI::App& app, const GlobalOptions& global) {
       "its tab-separated scores against every feature of B (B defaults to A).");
   addFeaturesArgument(sub, "A", options->first);
   sub->add_option("B", options->second, "Features to compare with (default: A itself)")
+      ->type_name("FILE");
+  sub->add_option("-o,--output", options->output,
+                  "Write the scores to this file instead: .npy int32 of shape (rows of A, rows "
+                  "of B), or tab-separated text")
       ->type_name("FILE");
   return {sub, [options, &global] { return runCompare(*options, global); }};
 }

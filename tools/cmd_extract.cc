@@ -1,4 +1,5 @@
 // xvkfc extract: features of face rectangles in a planar YUV 4:2:0 image.
+#include <cstdint>
 #include <cstdio>
 #include <memory>
 #include <sstream>
@@ -6,6 +7,8 @@
 #include "tools/atomic_file.h"
 #include "tools/commands.h"
 #include "tools/engine_session.h"
+#include "tools/image_file.h"
+#include "tools/output_paths.h"
 #include "tools/tool_error.h"
 
 namespace tool {
@@ -34,37 +37,68 @@ std::vector<int> parseInts(const std::string& text, char separator, size_t count
     values.push_back(value);
   }
   if (values.size() != count || (!text.empty() && text.back() == separator)) {
-    throw ToolError("'" + text + "' is not a valid " + what);
+    throw UsageError("'" + text + "' is not a valid " + what);
   }
   return values;
 }
 
-int runExtract(const ExtractOptions& options, const GlobalOptions& global) {
-  const std::vector<int> size = parseInts(options.size, 'x', 2, "image size (WIDTHxHEIGHT)");
-  const int width = size[0], height = size[1];
-  if (width < 1 || height < 1) throw ToolError("the image size must be positive");
-  std::vector<itf_xvk_faceroi> rois;
-  for (const std::string& face : options.faces) {
-    const std::vector<int> r = parseInts(face, ',', 4, "face rectangle (LEFT,TOP,WIDTH,HEIGHT)");
-    if (r[0] < 0 || r[1] < 0 || r[2] < 1 || r[3] < 1 || r[0] + r[2] > width ||
-        r[1] + r[3] > height) {
-      throw ToolError("face rectangle " + face + " does not lie inside the " +
-                      std::to_string(width) + "x" + std::to_string(height) + " image");
-    }
-    rois.push_back({r[0], r[1], r[2], r[3]});
+// The image as planar YUV 4:2:0: PNG and JPEG converted, raw YUV checked
+// against --size.
+YuvImage readImage(const ExtractOptions& options) {
+  const bool compressed = isCompressedImageName(options.image);
+  if (compressed && options.size.empty()) {
+    YuvImage image = decodeToYuv420(readWholeFile(options.image), options.image);
+    return image;
   }
-
+  if (options.size.empty()) {
+    throw UsageError("--size is required for a raw YUV image (" + options.image + ")");
+  }
+  const std::vector<int> size = parseInts(options.size, 'x', 2, "image size (WIDTHxHEIGHT)");
+  if (size[0] < 1 || size[1] < 1) throw UsageError("the image size must be positive");
+  if (compressed) {
+    YuvImage image = decodeToYuv420(readWholeFile(options.image), options.image);
+    if (image.width != size[0] || image.height != size[1]) {
+      throw ToolError(options.image + ": the image is " + std::to_string(image.width) + "x" +
+                      std::to_string(image.height) + ", not " + options.size);
+    }
+    return image;
+  }
+  YuvImage image;
+  image.width = size[0];
+  image.height = size[1];
   const std::string bytes = readWholeFile(options.image);
   // Y plane, then U and V planes of half the size rounded up.
-  const size_t chroma = static_cast<size_t>((width + 1) / 2) * ((height + 1) / 2);
-  const size_t expected = static_cast<size_t>(width) * height + 2 * chroma;
+  // In 64 bits: 2147483647 x 2147483647 needs about 2^62 bytes.
+  const uint64_t chroma = (static_cast<uint64_t>(image.width) + 1) / 2 *
+                          ((static_cast<uint64_t>(image.height) + 1) / 2);
+  const uint64_t expected =
+      static_cast<uint64_t>(image.width) * static_cast<uint64_t>(image.height) + 2 * chroma;
   if (bytes.size() != expected) {
     throw ToolError(options.image + ": " + (bytes.size() < expected ? "truncated: " : "") +
                     "a planar YUV 4:2:0 image of " + options.size + " has " +
                     std::to_string(expected) + " bytes, the file has " +
                     std::to_string(bytes.size()));
   }
-  std::vector<unsigned char> image(bytes.begin(), bytes.end());
+  image.planes.assign(bytes.begin(), bytes.end());
+  return image;
+}
+
+int runExtract(const ExtractOptions& options, const GlobalOptions& global) {
+  checkOutputPaths({options.output});
+  YuvImage yuv = readImage(options);
+  const int width = yuv.width, height = yuv.height;
+  std::vector<itf_xvk_faceroi> rois;
+  for (const std::string& face : options.faces) {
+    const std::vector<int> r = parseInts(face, ',', 4, "face rectangle (LEFT,TOP,WIDTH,HEIGHT)");
+    // In 64 bits: left + width of two large ints overflows int.
+    if (r[0] < 0 || r[1] < 0 || r[2] < 1 || r[3] < 1 || int64_t{r[0]} + r[2] > width ||
+        int64_t{r[1]} + r[3] > height) {
+      throw UsageError("face rectangle " + face + " does not lie inside the " +
+                       std::to_string(width) + "x" + std::to_string(height) + " image");
+    }
+    rois.push_back({r[0], r[1], r[2], r[3]});
+  }
+  std::vector<unsigned char>& image = yuv.planes;
 
   EngineSession session(global.models);
   FeatureMatrix features;
@@ -85,13 +119,17 @@ int runExtract(const ExtractOptions& options, const GlobalOptions& global) {
 
 Command addExtractCommand(CLI::App& app, const GlobalOptions& global) {
   auto options = std::make_shared<ExtractOptions>();
-  CLI::App* sub = app.add_subcommand("extract", "Features of face rectangles in a YUV 4:2:0 image");
+  CLI::App* sub = app.add_subcommand("extract", "Features of face rectangles in an image");
   sub->footer(
-      "Turns face rectangles of a planar YUV 4:2:0 image (Y plane, then U and V planes of half "
-      "width and height, rounded up) into features (itf_xvk_extractFeature), one row per --face.");
-  sub->add_option("IMAGE", options->image, "The raw YUV 4:2:0 file")->type_name("FILE")->required();
-  sub->add_option("--size", options->size, "Image size as WIDTHxHEIGHT, for example 640x480")
+      "Turns face rectangles of an image into features (itf_xvk_extractFeature), one row per "
+      "--face. The image is a PNG or JPEG file (converted to planar YUV 4:2:0 here) or a raw "
+      "planar YUV 4:2:0 file (Y plane, then U and V planes of half width and height, rounded "
+      "up), whose size --size gives.");
+  sub->add_option("IMAGE", options->image, "PNG, JPEG, or raw planar YUV 4:2:0 (by name)")
+      ->type_name("FILE")
       ->required();
+  sub->add_option("--size", options->size,
+                  "Image size as WIDTHxHEIGHT, for example 640x480 (required for raw YUV)");
   sub->add_option("--face", options->faces,
                   "Face rectangle as LEFT,TOP,WIDTH,HEIGHT in pixels; repeat for more faces")
       ->required()

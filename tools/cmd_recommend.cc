@@ -1,4 +1,5 @@
 // xvkfc recommend: which existing cluster each new face belongs to.
+#include <algorithm>
 #include <cstdio>
 #include <memory>
 
@@ -19,7 +20,14 @@ int runRecommend(const RecommendOptions& options, const GlobalOptions& global) {
   const std::vector<ClusterRecord> clusters = readClusters(options.clusters);
   EngineSession session(global.models);
   for (int i = 0; i < features.rows(); ++i) {
-    std::printf("%d\t%d\n", faceIds[i], session.recommend(clusters, features.row(i)));
+    // The library returns only the cluster; the best score beside it shows
+    // how close a -1 came to the cut-off of 921.
+    int best = -1;
+    for (const ClusterRecord& cluster : clusters) {
+      if (cluster.id >= 0 && !cluster.feature.empty())
+        best = std::max(best, session.compare(cluster.feature.data(), features.row(i)));
+    }
+    std::printf("%d\t%d\t%d\n", faceIds[i], session.recommend(clusters, features.row(i)), best);
   }
   return kExitOk;
 }
@@ -31,8 +39,9 @@ Command addRecommendCommand(CLI::App& app, const GlobalOptions& global) {
   CLI::App* sub = app.add_subcommand("recommend", "The existing cluster each new face fits best");
   sub->footer(
       "For each feature in FEATURES, asks the library (itf_xvk_recommendCluster) which cluster of "
-      "--clusters fits best. Prints one line per feature: face id, a tab, and the cluster id, or "
-      "-1 when no cluster scores 921 or more of 1023.");
+      "--clusters fits best. Prints one line per feature: face id, cluster id (-1 when no cluster "
+      "scores 921 or more of 1023) and the best score of any cluster (0..1023; -1 when the file "
+      "has no cluster), separated by tabs.");
   addFeaturesArgument(sub, "FEATURES", options->features);
   sub->add_option("--clusters", options->clusters,
                   "Clusters file (JSON) written by 'xvkfc cluster'")

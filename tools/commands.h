@@ -36,6 +36,16 @@ inline CLI::Option* addFaceIdsOption(CLI::App* sub, std::string& path) {
       ->type_name("FILE");
 }
 
+// Accepts integers of 0 or more with a plain message otherwise (CLI11's own
+// range check prints the double range, 309 digits).
+inline CLI::Validator nonNegative() {
+  return CLI::Validator(
+      [](std::string& text) -> std::string {
+        return !text.empty() && text[0] == '-' ? "must be 0 or more, not " + text : std::string();
+      },
+      "0 or more");
+}
+
 Command addClusterCommand(CLI::App& app, const GlobalOptions& global);
 Command addRepresentativeCommand(CLI::App& app, const GlobalOptions& global);
 Command addRecommendCommand(CLI::App& app, const GlobalOptions& global);

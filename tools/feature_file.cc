@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <cstdint>
+#include <cstdio>
 #include <cstring>
 #include <limits>
 #include <set>
@@ -55,6 +56,21 @@ FeatureMatrix featuresFromBytes(const std::string& data, const std::string& sour
   return features;
 }
 
+// float64 values as float32 bytes, rounded to nearest; a value beyond the
+// float range becomes infinite and is refused as not finite.
+std::string narrowDoubles(const std::string& data, const std::string& source) {
+  std::fprintf(stderr, "xvkfc: note: %s: float64 features converted to float32\n", source.c_str());
+  std::string narrowed;
+  narrowed.reserve(data.size() / 2);
+  for (size_t i = 0; i + sizeof(double) <= data.size(); i += sizeof(double)) {
+    const uint64_t bits = static_cast<uint64_t>(intFromLittleEndian(data.data() + i, 8));
+    double value;
+    std::memcpy(&value, &bits, sizeof value);
+    appendLittleEndian(narrowed, static_cast<float>(value));
+  }
+  return narrowed;
+}
+
 std::string shapeText(const std::vector<uint64_t>& shape) {
   std::string text = "(";
   for (size_t i = 0; i < shape.size(); ++i) text += (i ? ", " : "") + std::to_string(shape[i]);
@@ -67,9 +83,11 @@ FeatureMatrix readFeatures(const std::string& path) {
   const std::string bytes = readWholeFile(path);
   if (hasSuffix(path, ".npy")) {
     const NpyArray array = parseNpy(bytes, path);
-    if (array.descr != "<f4") {
-      throw ToolError(path + ": features must be float32 ('<f4'), the file holds '" + array.descr +
-                      "'");
+    if (array.descr != "<f4" && array.descr != "<f8") {
+      throw ToolError(path +
+                      ": features must be float32 ('<f4') or float64 ('<f8'), the file "
+                      "holds '" +
+                      array.descr + "'");
     }
     const bool oneFeature = array.shape.size() == 1 && array.shape[0] == kFeatureDim;
     const bool matrix = array.shape.size() == 2 && array.shape[1] == kFeatureDim;
@@ -77,6 +95,7 @@ FeatureMatrix readFeatures(const std::string& path) {
       throw ToolError(path + ": features must have shape (N, 960), the file holds " +
                       shapeText(array.shape));
     }
+    if (array.descr == "<f8") return featuresFromBytes(narrowDoubles(array.data, path), path);
     return featuresFromBytes(array.data, path);
   }
   if (bytes.size() % kFeatureBytes != 0) {
@@ -100,22 +119,31 @@ void writeFeatures(const std::string& path, const FeatureMatrix& features) {
   writeFileAtomically(path, encodeFeatures(path, features));
 }
 
-std::vector<int> readIntList(const std::string& path, const std::string& what) {
+std::vector<int> readIntList(const std::string& path, const std::string& what, bool allowPairs) {
   const std::string bytes = readWholeFile(path);
   std::vector<int64_t> wide;
   if (hasSuffix(path, ".npy")) {
     const NpyArray array = parseNpy(bytes, path);
     const size_t width = npyElementSize(array.descr);
-    if (array.descr != "<i4" && array.descr != "<i8") {
-      throw ToolError(path + ": " + what + " must be integers ('<i4' or '<i8'), the file holds '" +
-                      array.descr + "'");
+    if (array.descr != "<i4" && array.descr != "<i8" && array.descr != "<u4") {
+      throw ToolError(path + ": " + what +
+                      " must be integers ('<i4', '<i8' or '<u4'), the file holds '" + array.descr +
+                      "'");
     }
-    if (array.shape.size() != 1) {
-      throw ToolError(path + ": " + what + " must have shape (N,), the file holds " +
+    const bool pairs = allowPairs && array.shape.size() == 2 && array.shape[1] == 2;
+    if (array.shape.size() != 1 && !pairs) {
+      throw ToolError(path + ": " + what + " must have shape (N,)" +
+                      (allowPairs ? " or (N, 2)" : "") + ", the file holds " +
                       shapeText(array.shape));
     }
-    for (size_t i = 0; i < static_cast<size_t>(array.shape[0]); ++i) {
-      wide.push_back(intFromLittleEndian(array.data.data() + i * width, width));
+    if (array.descr == "<u4") {
+      std::fprintf(stderr, "xvkfc: note: %s: uint32 %s read as int32\n", path.c_str(),
+                   what.c_str());
+    }
+    for (size_t i = 0; i < static_cast<size_t>(array.elementCount()); ++i) {
+      int64_t value = intFromLittleEndian(array.data.data() + i * width, width);
+      if (array.descr == "<u4") value = static_cast<uint32_t>(value);
+      wide.push_back(value);
     }
   } else {
     std::istringstream in(bytes);

@@ -6,11 +6,14 @@
 #include "tools/commands.h"
 #include "tools/library_log.h"
 #include "tools/tool_error.h"
+#include "tools/version.h"
 
 int main(int argc, char** argv) {
   CLI::App app{
       "xvkfc: cluster face features with libxvkfcEngineTAVO, the way a photo application "
-      "does.\nStart with 'xvkfc demo', or 'xvkfc SUBCOMMAND --help' for one subcommand."};
+      "does.\nStart with 'xvkfc demo', or 'xvkfc SUBCOMMAND --help' for one subcommand.",
+      "xvkfc"};  // named here, so that usage lines do not show the path it was started by
+  app.set_version_flag("--version", tool::versionText());
   app.require_subcommand(1);
   app.fallthrough();
   tool::GlobalOptions global;
@@ -32,13 +35,18 @@ int main(int argc, char** argv) {
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& e) {
-    return app.exit(e) == 0 ? tool::kExitOk : tool::kExitUsage;
+    if (e.get_exit_code() == 0) return app.exit(e);  // --help, --version
+    std::fprintf(stderr, "xvkfc: error: %s\nRun with --help for more information.\n", e.what());
+    return tool::kExitUsage;
   }
   tool::routeLibraryLog(global.verbose);
   try {
     for (const tool::Command& command : commands) {
       if (command.subcommand->parsed()) return command.run();
     }
+  } catch (const tool::UsageError& e) {
+    std::fprintf(stderr, "xvkfc: error: %s\nRun with --help for more information.\n", e.what());
+    return tool::kExitUsage;
   } catch (const std::exception& e) {  // ToolError and the library's own failures
     std::fprintf(stderr, "xvkfc: error: %s\n", e.what());
     return tool::kExitBadInput;

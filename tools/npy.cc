@@ -76,9 +76,19 @@ uint64_t NpyArray::elementCount() const {
   return count;
 }
 
+std::string int32Data(const std::vector<int>& values) {
+  std::string out;
+  out.reserve(values.size() * 4);
+  for (int value : values) {
+    const uint32_t bits = static_cast<uint32_t>(value);
+    for (int i = 0; i < 4; ++i) out += static_cast<char>((bits >> (8 * i)) & 0xff);
+  }
+  return out;
+}
+
 size_t npyElementSize(const std::string& descr) {
-  if (descr == "<f4" || descr == "<i4") return 4;
-  if (descr == "<i8") return 8;
+  if (descr == "<f4" || descr == "<i4" || descr == "<u4") return 4;
+  if (descr == "<f8" || descr == "<i8") return 8;
   return 0;
 }
 

@@ -31,6 +31,9 @@ NpyArray parseNpy(const std::string& bytes, const std::string& source);
 std::string encodeNpy(const std::string& descr, const std::vector<uint64_t>& shape,
                       const std::string& data);
 
+// Little-endian int32 bytes of `values`: the data of an "<i4" array.
+std::string int32Data(const std::vector<int>& values);
+
 // Bytes per element of a dtype text; 0 for a dtype the program does not know.
 size_t npyElementSize(const std::string& descr);
 

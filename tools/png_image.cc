@@ -10,17 +10,6 @@
 namespace tool {
 namespace {
 
-// 3 x 5 glyphs, one row of three bits per entry, most significant bit left.
-struct Glyph {
-  char character;
-  uint8_t rows[5];
-};
-constexpr Glyph kGlyphs[] = {
-    {'0', {7, 5, 5, 5, 7}}, {'1', {2, 6, 2, 2, 7}}, {'2', {7, 1, 7, 4, 7}}, {'3', {7, 1, 7, 1, 7}},
-    {'4', {5, 5, 7, 1, 1}}, {'5', {7, 4, 7, 1, 7}}, {'6', {7, 4, 7, 5, 7}}, {'7', {7, 1, 1, 1, 1}},
-    {'8', {7, 5, 7, 5, 7}}, {'9', {7, 5, 7, 1, 7}}, {'.', {0, 0, 0, 0, 2}}, {'-', {0, 0, 7, 0, 0}},
-};
-
 void appendToString(void* context, void* data, int size) {
   static_cast<std::string*>(context)->append(static_cast<const char*>(data),
                                              static_cast<size_t>(size));
@@ -42,26 +31,6 @@ void RgbImage::fill(int x, int y, int w, int h, Rgb color) {
       pixel[2] = color.b;
     }
   }
-}
-
-void RgbImage::text(int x, int y, const std::string& text, int scale, Rgb color) {
-  for (char c : text) {
-    for (const Glyph& glyph : kGlyphs) {
-      if (glyph.character != c) continue;
-      for (int row = 0; row < 5; ++row) {
-        for (int col = 0; col < 3; ++col) {
-          if (glyph.rows[row] & (4 >> col)) {
-            fill(x + col * scale, y + row * scale, scale, scale, color);
-          }
-        }
-      }
-    }
-    x += 4 * scale;
-  }
-}
-
-int RgbImage::textWidth(const std::string& text, int scale) {
-  return text.empty() ? 0 : static_cast<int>(text.size()) * 4 * scale - scale;
 }
 
 std::string encodePng(const RgbImage& image) {

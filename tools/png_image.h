@@ -1,4 +1,4 @@
-// A small RGB canvas and its PNG encoding, for the report's pictures.
+// A small RGB canvas and its PNG encoding, for the report's heat map.
 #ifndef XVKFC_TOOLS_PNG_IMAGE_H_
 #define XVKFC_TOOLS_PNG_IMAGE_H_
 
@@ -23,11 +23,6 @@ class RgbImage {
 
   // Fills the rectangle, clipped to the image.
   void fill(int x, int y, int w, int h, Rgb color);
-  // Draws decimal digits (and '.', '-') of `text` with the top-left corner at
-  // (x, y), each glyph 3 x 5 cells of `scale` pixels, one cell apart.
-  void text(int x, int y, const std::string& text, int scale, Rgb color);
-  // Width in pixels that text() takes for `text`.
-  static int textWidth(const std::string& text, int scale);
 
  private:
   int width_, height_;

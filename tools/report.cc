@@ -4,8 +4,10 @@
 #include <cstdio>
 #include <sstream>
 
+#include "clustering/thresholds.h"
 #include "tools/atomic_file.h"
 #include "tools/charts.h"
+#include "tools/cluster_doubts.h"
 #include "tools/png_image.h"
 
 namespace tool {
@@ -19,6 +21,8 @@ constexpr int kHeatMapMaxScale = 12;
 constexpr int kReportMaxFaces = 600;
 // Members listed per cluster row before the list is cut short.
 constexpr size_t kMembersShown = 40;
+// Unclustered faces with a close match listed at most.
+constexpr size_t kCloseMatchesShown = 50;
 
 const char kStyle[] = R"(
 body { font-family: sans-serif; margin: 2em; color: #222; max-width: 1100px; }
@@ -29,7 +33,10 @@ th { background: #f0f0f0; } .members { text-align: left; max-width: 40em; }
 .note { color: #555; font-size: 0.9em; max-width: 60em; }
 .legend { display: inline-block; width: 320px; height: 14px; vertical-align: middle;
   background: linear-gradient(to right, #440154, #3b528b, #21918c, #5ec962, #fde725); }
-img.heat { image-rendering: pixelated; border: 1px solid #888; }
+img.heat { image-rendering: pixelated; border: 1px solid #888; display: block; }
+.heatwrap { position: relative; display: inline-block; }
+.heatwrap svg.overlay { position: absolute; left: 1px; top: 1px; }
+tr.doubt td { background: #fde8e8; }
 )";
 
 std::string fixed(double value, int digits) {
@@ -94,29 +101,132 @@ std::string mainIdentity(const ClusterRecord& cluster, const std::map<int, int>&
          std::to_string(known) + ")";
 }
 
+std::string memberList(const ClusterRecord& cluster) {
+  std::string members;
+  for (size_t i = 0; i < std::min(cluster.faceIds.size(), kMembersShown); ++i) {
+    members += (i ? " " : "") + std::to_string(cluster.faceIds[i]);
+  }
+  if (cluster.faceIds.size() > kMembersShown) {
+    members += " &hellip; and " + std::to_string(cluster.faceIds.size() - kMembersShown) + " more";
+  }
+  return members;
+}
+
+// Clusters to doubt first: those of several identities, then those marked
+// against the engine's levels, then the rest; by id within each group; the
+// unclustered faces last.
 std::string clusterTable(const ReportData& data) {
   const bool withIdentities = !data.identities.empty();
+  std::map<int, ClusterFigures> figuresOf;
+  for (const ClusterFigures& f : clusterFigures(data.view, data.identities)) figuresOf[f.id] = f;
+  auto rank = [&](const ClusterRecord& cluster) {
+    const auto it = figuresOf.find(cluster.id);
+    if (cluster.id < 0) return 3;
+    if (it == figuresOf.end()) return 2;
+    return it->second.identities > 1 ? 0 : it->second.doubts.empty() ? 2 : 1;
+  };
+  std::vector<const ClusterRecord*> rows;
+  for (const ClusterRecord& cluster : data.clusters) rows.push_back(&cluster);
+  std::stable_sort(rows.begin(), rows.end(), [&](const ClusterRecord* a, const ClusterRecord* b) {
+    return rank(*a) < rank(*b);
+  });
+
   std::ostringstream out;
-  out << "<table><tr><th>cluster</th><th>faces</th><th>representative face</th>";
+  out << "<p class=\"note\">Similarities are the engine's (0 to 1, a score of 1023 divided by "
+         "1023). <em>lowest</em> and <em>mean</em>: over the pairs of members; <em>nearest</em>: "
+         "the highest similarity of a member to a face of another cluster. Rows in red are worth "
+         "a look: a pair or the mean inside below "
+      << fixed(detail::kSplitSimilarity, 2) << " (the level below which the engine splits), a "
+      << "face of another cluster at " << fixed(detail::kMergeBestPairSimilarity, 2)
+      << " or more (the level at which it joins small clusters)"
+      << (withIdentities ? ", or members of more than one known identity (listed first)" : "")
+      << ".</p>\n";
+  out << "<table><tr><th>cluster</th><th>faces</th><th>representative face</th><th>lowest</th>"
+         "<th>mean</th><th>nearest (cluster)</th>";
   if (withIdentities) out << "<th>main identity</th>";
-  out << "<th class=\"members\">member face ids</th></tr>\n";
-  for (const ClusterRecord& cluster : data.clusters) {
-    std::string members;
-    for (size_t i = 0; i < std::min(cluster.faceIds.size(), kMembersShown); ++i) {
-      members += (i ? " " : "") + std::to_string(cluster.faceIds[i]);
+  out << "<th class=\"members\">why marked</th><th class=\"members\">member face ids</th></tr>\n";
+  for (const ClusterRecord* cluster : rows) {
+    const auto it = figuresOf.find(cluster->id);
+    const bool known = it != figuresOf.end();
+    const bool doubted = known && !it->second.doubts.empty();
+    out << "<tr" << (doubted ? " class=\"doubt\"" : "") << "><td>"
+        << (cluster->id < 0 ? "unclustered" : std::to_string(cluster->id)) << "</td><td>"
+        << cluster->faceIds.size() << "</td><td>"
+        << (cluster->id < 0 ? "" : std::to_string(cluster->repFaceId)) << "</td>";
+    if (known) {
+      const ClusterFigures& f = it->second;
+      const bool single = f.faces < 2;
+      out << "<td>" << (single ? "" : fixed(f.lowestInside, 3)) << "</td><td>"
+          << (single ? "" : fixed(f.meanInside, 3)) << "</td><td>"
+          << (f.nearestCluster < 0
+                  ? ""
+                  : fixed(f.bestOther, 3) + " (" + std::to_string(f.nearestCluster) + ")")
+          << "</td>";
+    } else {
+      out << "<td></td><td></td><td></td>";
     }
-    if (cluster.faceIds.size() > kMembersShown) {
-      members +=
-          " &hellip; and " + std::to_string(cluster.faceIds.size() - kMembersShown) + " more";
+    if (withIdentities) {
+      out << "<td>" << (cluster->id < 0 ? "" : mainIdentity(*cluster, data.identities)) << "</td>";
     }
-    out << "<tr><td>" << (cluster.id < 0 ? "unclustered" : std::to_string(cluster.id))
-        << "</td><td>" << cluster.faceIds.size() << "</td><td>"
-        << (cluster.id < 0 ? "" : std::to_string(cluster.repFaceId)) << "</td>";
-    if (withIdentities)
-      out << "<td>" << (cluster.id < 0 ? "" : mainIdentity(cluster, data.identities)) << "</td>";
-    out << "<td class=\"members\">" << members << "</td></tr>\n";
+    std::string why;
+    if (known) {
+      for (const std::string& doubt : it->second.doubts) why += (why.empty() ? "" : "; ") + doubt;
+    }
+    out << "<td class=\"members\">" << why << "</td><td class=\"members\">" << memberList(*cluster)
+        << "</td></tr>\n";
   }
   out << "</table>\n";
+  return out.str();
+}
+
+// Unclustered faces that a clustered face resembles at the small-cluster
+// join level or more: candidates for a manual merge.
+std::string closeMatchList(const SimilarityView& view) {
+  const std::vector<CloseMatch> matches = closeUnclustered(view, detail::kMergeBestPairSimilarity);
+  std::ostringstream out;
+  out << "<h2>Unclustered faces with a close match</h2>\n<p class=\"note\">Shown unclustered "
+         "faces whose most similar clustered face reaches "
+      << fixed(detail::kMergeBestPairSimilarity, 2) << ": " << matches.size() << " face"
+      << (matches.size() == 1 ? "" : "s") << ", the closest first"
+      << (matches.size() > kCloseMatchesShown
+              ? " (the first " + std::to_string(kCloseMatchesShown) + " listed)"
+              : "")
+      << ".</p>\n";
+  if (matches.empty()) return out.str();
+  out << "<table><tr><th>face</th><th>most similar clustered face</th><th>its cluster</th>"
+         "<th>similarity</th></tr>\n";
+  for (size_t i = 0; i < std::min(matches.size(), kCloseMatchesShown); ++i) {
+    const CloseMatch& m = matches[i];
+    out << "<tr><td>" << m.faceId << "</td><td>" << m.matchFaceId << "</td><td>" << m.clusterId
+        << "</td><td>" << fixed(m.similarity, 3) << "</td></tr>\n";
+  }
+  out << "</table>\n";
+  return out.str();
+}
+
+// Cluster ids over the heat map's blocks: an outline with a tooltip for
+// every block, and the id written in when the block has room for it.
+std::string heatMapOverlay(const ClusterOrder& order, int scale, int side) {
+  std::ostringstream out;
+  out << "<svg class=\"overlay\" width=\"" << side << "\" height=\"" << side << "\" viewBox=\"0 0 "
+      << side << " " << side << "\" font-family=\"sans-serif\">\n";
+  int start = 0;
+  for (size_t b = 0; b < order.blocks.size(); ++b) {
+    const int x = start * scale, extent = order.blocks[b] * scale;
+    const std::string id = std::to_string(order.blockIds[b]);
+    out << "<rect x=\"" << x << "\" y=\"" << x << "\" width=\"" << extent << "\" height=\""
+        << extent << "\" fill=\"transparent\" pointer-events=\"all\"><title>cluster " << id << ": "
+        << order.blocks[b] << " face" << (order.blocks[b] == 1 ? "" : "s") << "</title></rect>\n";
+    const int fontSize = std::min(extent - 2, 14);
+    if (fontSize >= 8 && extent >= fontSize * static_cast<int>(id.size()) * 0.7) {
+      out << "<text x=\"" << x + 2 << "\" y=\"" << x + fontSize << "\" font-size=\"" << fontSize
+          << "\" fill=\"#fff\" stroke=\"#000\" stroke-width=\"0.6\" paint-order=\"stroke\" "
+             "pointer-events=\"none\">"
+          << id << "</text>\n";
+    }
+    start += order.blocks[b];
+  }
+  out << "</svg>";
   return out.str();
 }
 
@@ -169,7 +279,7 @@ std::string renderReport(const ReportData& data) {
       << escapeHtml(data.title) << "</title>\n<style>" << kStyle << "</style>\n</head>\n<body>\n";
   out << "<h1>" << escapeHtml(data.title) << "</h1>\n";
   out << "<p>" << escapeHtml(data.input) << "</p>\n";
-  out << "<h2>Result</h2>\n<table>\n"
+  out << "<h2>Result: every face in the clusters after the run</h2>\n<table>\n"
       << "<tr><th>clusters</th><td>" << clusters << "</td></tr>\n"
       << "<tr><th>unclustered faces</th><td>" << unclustered << "</td></tr>\n"
       << "<tr><th>face entries in the result</th><td>" << faces << "</td></tr>\n"
@@ -184,21 +294,22 @@ std::string renderReport(const ReportData& data) {
 
   out << "<h2>Similarity matrix</h2>\n<p class=\"note\">Every pair of faces scored by the "
          "library's comparison (0 to 1023; unrelated faces score about 511, the same face 1023), "
-         "faces ordered by cluster, each cluster outlined in red, unclustered faces last.";
+         "faces ordered by cluster, each cluster outlined in red with its id (point at a block for "
+         "its id and size), unclustered faces last.";
   if (shown < view.facesWithFeatures) {
-    out << " Showing " << shown << " of " << view.facesWithFeatures << " faces (every "
-        << (view.facesWithFeatures + shown - 1) / std::max(shown, 1) << "th in cluster order).";
+    out << " Showing " << shown << " of " << view.facesWithFeatures
+        << " faces: every clustered face, and the unclustered faces thinned out evenly.";
   }
   out << "</p>\n<p>" << kHeatFloor << " or less <span class=\"legend\"></span> 1023</p>\n";
-  out << "<p>"
-      << imageTag(heatMap(view.similarities, shown, view.order.blocks, scale), "heat",
-                  "similarity matrix of " + std::to_string(shown) + " faces")
-      << "</p>\n";
+  const RgbImage heat = heatMap(view.similarities, shown, view.order.blocks, scale);
+  out << "<div class=\"heatwrap\">"
+      << imageTag(heat, "heat", "similarity matrix of " + std::to_string(shown) + " faces")
+      << heatMapOverlay(view.order, scale, heat.width()) << "</div>\n";
+  out << closeMatchList(view);
 
-  out << "<h2>Cluster sizes</h2>\n<p class=\"note\">Number of clusters (above each bar) with "
-         "each number of faces (below it); unclustered faces are not counted.</p>\n<p>"
-      << imageTag(sizeHistogram(clustersOfSize), "histogram", "histogram of cluster sizes")
-      << "</p>\n";
+  out << "<h2>Cluster sizes</h2>\n<p class=\"note\">Number of clusters with each number of "
+         "faces; unclustered faces are not counted.</p>\n<p>"
+      << sizeHistogramSvg(clustersOfSize) << "</p>\n";
 
   out << "<h2>Clusters</h2>\n" << clusterTable(data);
   out << "</body>\n</html>\n";
@@ -212,7 +323,7 @@ void writeReport(const std::string& path, const ReportData& data) {
 void writeBatchReport(const std::string& path, ReportData data, EngineSession& session,
                       const FeatureMatrix& features, const std::vector<int>& faceIds,
                       Progress& progress) {
-  data.quality = data.batches.back().quality;
+  if (!data.quality) data.quality = data.batches.back().quality;
   data.view =
       buildSimilarityView(session, features, faceIds, data.clusters, kReportMaxFaces, progress);
   writeReport(path, data);

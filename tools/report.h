@@ -32,8 +32,8 @@ std::string renderReport(const ReportData& data);
 void writeReport(const std::string& path, const ReportData& data);
 
 // Writes the report of a run clustered batch after batch. `data` comes with
-// its title, input, clusters, identities and batches; the quality is the
-// last batch's, and the heat map shows at most 600 rows of `features`
+// its title, input, clusters, identities and batches; the quality, unless
+// given, is the last batch's, and the heat map shows at most 600 rows of `features`
 // under `faceIds`, compared through `session`.
 // REQUIRES: !data.batches.empty().
 void writeBatchReport(const std::string& path, ReportData data, EngineSession& session,

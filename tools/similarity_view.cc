@@ -1,5 +1,6 @@
 #include "tools/similarity_view.h"
 
+#include <algorithm>
 #include <map>
 #include <string>
 
@@ -22,9 +23,12 @@ ClusterOrder orderByCluster(const std::vector<ClusterRecord>& clusters,
       blockOf.push_back(block);
     }
   };
-  int block = 0;
+  std::vector<int> blockIds;
   for (const ClusterRecord& cluster : clusters) {
-    if (cluster.id >= 0) place(cluster, block++);
+    if (cluster.id < 0) continue;
+    const size_t before = layout.size();
+    place(cluster, static_cast<int>(blockIds.size()));
+    if (layout.size() > before) blockIds.push_back(cluster.id);
   }
   for (const ClusterRecord& cluster : clusters) {
     if (cluster.id < 0) place(cluster, -1);
@@ -36,16 +40,21 @@ ClusterOrder orderByCluster(const std::vector<ClusterRecord>& clusters,
     }
   }
 
-  const size_t step = (layout.size() + maxFaces - 1) / maxFaces;
   ClusterOrder order;
-  int lastBlock = -1;
-  for (size_t i = 0; i < layout.size(); i += std::max<size_t>(step, 1)) {
-    order.rows.push_back(layout[i]);
-    if (blockOf[i] < 0) continue;
-    if (blockOf[i] != lastBlock) order.blocks.push_back(0);
+  size_t clustered = 0;
+  for (; clustered < layout.size() && blockOf[clustered] >= 0; ++clustered) {
+    order.rows.push_back(layout[clustered]);
+    if (clustered == 0 || blockOf[clustered] != blockOf[clustered - 1]) {
+      order.blocks.push_back(0);
+      order.blockIds.push_back(blockIds[blockOf[clustered]]);
+    }
     ++order.blocks.back();
-    lastBlock = blockOf[i];
   }
+  const size_t rest = layout.size() - clustered;
+  const size_t room =
+      std::max<size_t>(1, static_cast<size_t>(maxFaces) > clustered ? maxFaces - clustered : 0);
+  const size_t step = std::max<size_t>(1, (rest + room - 1) / room);
+  for (size_t i = clustered; i < layout.size(); i += step) order.rows.push_back(layout[i]);
   return order;
 }
 

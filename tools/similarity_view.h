@@ -14,15 +14,18 @@ namespace tool {
 // Faces laid out by cluster: the members of each real cluster in turn (in
 // list order), then the unclustered faces, then faces that no cluster lists.
 struct ClusterOrder {
-  std::vector<int> rows;    // rows of the feature matrix, in display order
-  std::vector<int> blocks;  // sizes of the consecutive real-cluster runs
+  std::vector<int> rows;      // rows of the feature matrix, in display order
+  std::vector<int> blocks;    // sizes of the consecutive real-cluster runs
+  std::vector<int> blockIds;  // the cluster id of each block
 };
 
 // Lays out rows 0..faceIds.size()-1 by the clusters that list their face
-// ids. A face listed by two clusters is shown with the first. When there are
-// more than `maxFaces` rows, every k-th row of the layout is kept (k the
-// smallest step that leaves at most `maxFaces`) and the blocks shrink to
-// match. REQUIRES: maxFaces > 0.
+// ids. A face listed by two clusters is shown with the first. Every face of
+// a real cluster is kept, so that no cluster's figures are estimated; when
+// more than `maxFaces` rows would be shown, only the faces after the
+// clusters are thinned out, to every k-th (k the smallest step that leaves
+// at most maxFaces minus the clustered faces, and at least one).
+// REQUIRES: maxFaces > 0.
 ClusterOrder orderByCluster(const std::vector<ClusterRecord>& clusters,
                             const std::vector<int>& faceIds, int maxFaces);
 

@@ -15,6 +15,14 @@ class ToolError : public std::runtime_error {
   explicit ToolError(const std::string& message) : std::runtime_error(message) {}
 };
 
+// A mistake on the command line that the parser cannot see (a malformed
+// rectangle, an option that needs another): main prints it like a ToolError
+// and exits with kExitUsage.
+class UsageError : public ToolError {
+ public:
+  explicit UsageError(const std::string& message) : ToolError(message) {}
+};
+
 // Exit codes of the program.
 inline constexpr int kExitOk = 0;
 inline constexpr int kExitBadInput = 1;  // bad input file or failed operation

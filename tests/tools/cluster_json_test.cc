@@ -53,6 +53,8 @@ TEST(ClusterJsonTest, RejectsMalformedDocumentsWithTheReason) {
     std::string json, expected;
   } cases[] = {
       {R"([1, 2])", "no \"clusters\" array"},
+      {R"({"format": "other", "clusters": []})", "(format \"other\", expected"},
+      {R"({"format": "xvkfc-clusters", "version": 2, "clusters": []})", "version 2 is newer"},
       {one(R"("cluster_id": 0.5, "face_ids": [1])"), "\"cluster_id\" must be an integer"},
       {one(R"("cluster_id": 4294967296, "face_ids": [1])"), "must be an integer"},
       {one(R"("cluster_id": -2, "face_ids": [900])"), "cluster id -2 is below -1"},

@@ -46,12 +46,26 @@ TEST(FeatureFileTest, ReadsWhatItWritesBitExactlyAndTheOtherLayouts) {
   const std::string header = "{'descr': '<f4', 'fortran_order': False, 'shape': (1, 960), }\n";
   EXPECT_EQ(readFeatures(folder.write("v2.npy", Npy(2, header, data))).rows(), 1);
 
+  // float64 (NumPy's default) is rounded to float32.
+  std::string doubles;
+  for (int i = 0; i < kFeatureDim; ++i) {
+    const double value = i == 0 ? 0.1 : 1.0;
+    doubles.append(reinterpret_cast<const char*>(&value), 8);
+  }
+  const FeatureMatrix narrowed =
+      readFeatures(folder.write("f8.npy", encodeNpy("<f8", {1, 960}, doubles)));
+  ASSERT_EQ(narrowed.rows(), 1);
+  EXPECT_EQ(narrowed.row(0)[0], 0.1f);
+
   // Integer lists as text and as little-endian int64.
   EXPECT_EQ(readIntList(folder.write("ids.txt", " 5\n-3\t2147483647\n"), "ids"),
             (std::vector<int>{5, -3, 2147483647}));
   const std::string wide = std::string("\x07\0\0\0\0\0\0\0", 8) + std::string(8, '\xff');
   EXPECT_EQ(readIntList(folder.write("ids.npy", encodeNpy("<i8", {2}, wide)), "ids"),
             (std::vector<int>{7, -1}));
+  EXPECT_EQ(readIntList(folder.write("u4.npy", encodeNpy("<u4", {1}, std::string("\x07\0\0\0", 4))),
+                        "ids"),
+            (std::vector<int>{7}));
 }
 
 TEST(FeatureFileTest, RejectsBadFilesWithTheReason) {
@@ -66,7 +80,10 @@ TEST(FeatureFileTest, RejectsBadFilesWithTheReason) {
   } cases[] = {
       {"long.npy", encodeNpy("<f4", {1, 960}, raw), "after the array data", false},
       {"short.npy", encodeNpy("<f4", {2, 960}, raw).substr(0, 5000), "truncated", false},
-      {"f8.npy", encodeNpy("<f8", {1, 960}, raw), "features must be float32", false},
+      {"f2.npy", encodeNpy("<f2", {1, 960}, raw.substr(0, 1920)), "float32 ('<f4') or float64",
+       false},
+      {"huge.npy", encodeNpy("<f8", {1, 960}, std::string(7680, '\x7f')),  // 1.4e306 each
+       "feature 0 has a value that is not finite", false},
       {"959.npy", encodeNpy("<f4", {1, 959}, raw.substr(0, 3836)),
        "shape (N, 960), the file holds (1, 959)", false},
       {"magic.npy", raw, "not a NumPy", false},
@@ -81,6 +98,7 @@ TEST(FeatureFileTest, RejectsBadFilesWithTheReason) {
       {"count.txt", "1 2", "holds 2 face ids for 3 features", true},
       {"dup.txt", "4 1 4", "duplicate face id 4", true},
       {"f4.npy", encodeNpy("<f4", {3}, std::string(12, '\0')), "must be integers", true},
+      {"u4.npy", encodeNpy("<u4", {3}, std::string(12, '\xff')), "does not fit", true},
   };
   for (const auto& c : cases) {
     const std::string path = folder.write(c.name, c.bytes);

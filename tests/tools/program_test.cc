@@ -5,6 +5,7 @@
 #include <cstring>
 #include <fstream>
 #include <iterator>
+#include <map>
 #include <sstream>
 
 #include "html_check.h"
@@ -14,6 +15,8 @@
 #include "tools/cluster_json.h"
 #include "tools/feature_file.h"
 #include "tools/gallery.h"
+#include "tools/npy.h"
+#include "tools/png_image.h"
 
 namespace tool {
 namespace {
@@ -60,6 +63,7 @@ TEST_F(ProgramTest, BadInputGivesOneLineAndLeavesNoOutput) {
   folder_.write("short.raw", std::string(3839, '\0'));
   folder_.write("broken.json", "{\"clusters\": [");
   folder_.write("bucket.json", R"({"clusters": [{"cluster_id": -1, "face_ids": [1]}]})");
+  const std::string ids = folder_.write("ids.txt", "1 2");
   const int inputs = folder_.entries();
 
   const struct {
@@ -68,9 +72,11 @@ TEST_F(ProgramTest, BadInputGivesOneLineAndLeavesNoOutput) {
   } cases[] = {
       {{Path("absent.npy")}, "absent.npy: cannot open"},
       {{Path("short.raw")}, "truncated"},
-      {{features, "--existing", Path("broken.json")}, "broken.json: malformed JSON"},
-      {{features, "--existing", Path("bucket.json")},
+      {{features, "--ids", ids, "--existing", Path("broken.json")}, "broken.json: malformed JSON"},
+      {{features, "--ids", ids, "--existing", Path("bucket.json")},
        "face id 1 is already in the existing clusters"},
+      // Checked before any work: out.json is not written either.
+      {{features, "--assignments", Path("absent/a.tsv")}, "folder " + Path("absent") + " does not"},
   };
   for (const auto& c : cases) {
     std::vector<std::string> args = {"-q",       "cluster",       "-o", Path("out.json"),
@@ -86,13 +92,37 @@ TEST_F(ProgramTest, BadInputGivesOneLineAndLeavesNoOutput) {
 }
 
 TEST_F(ProgramTest, CommandLineMistakesAreUsageErrors) {
-  // No subcommand, no -o, a negative batch size.
-  const std::vector<std::string> mistakes[] = {
-      {},
-      {"cluster", Path("f.npy")},
-      {"cluster", Path("f.npy"), "-o", Path("x"), "--batch-size", "-3"}};
-  for (const auto& args : mistakes) EXPECT_EQ(runProgram(args).exitCode, 2) << args.size();
-  EXPECT_EQ(runProgram({"--help"}).exitCode, 0);
+  const std::string features = folder_.write("f.f32", std::string(3840, '\0'));
+  const struct {
+    std::vector<std::string> args;
+    std::string expected;
+  } mistakes[] = {
+      {{}, "A subcommand is required"},
+      {{"cluster", features}, "--output is required"},
+      {{"cluster", features, "-o", Path("x"), "--batch-size", "-3"}, "must be 0 or more, not -3"},
+      // Without ids the new faces would be stored as 0..N-1 for good.
+      {{"cluster", features, "-o", Path("x"), "--existing", Path("x")}, "--existing needs --ids"},
+      {{"cluster", features, "-o", Path("x"), "--metrics-json", Path("m")}, "needs --labels"},
+      {{"representative", features, "--cluster", "3"}, "go together"},
+      {{"cluster", features, "-o", Path("x"), "--report", Path("x")}, "two different outputs"},
+      {{"extract", features, "--face", "0,0,1,1", "-o", Path("x")}, "--size is required"},
+      {{"extract", folder_.write("4x4.yuv", std::string(24, '\0')), "--size", "4x4", "--face",
+        "0,0,9,1", "-o", Path("x")},
+       "does not lie inside"},
+  };
+  for (const auto& c : mistakes) {
+    const ProcessResult run = runProgram(c.args);
+    EXPECT_EQ(run.exitCode, 2) << c.expected;
+    EXPECT_NE(run.err.find(c.expected), std::string::npos) << run.err;
+    EXPECT_LT(run.err.size(), 200u) << run.err;  // plain, not a 309-digit range
+  }
+  const ProcessResult help = runProgram({"cluster", "--help"});
+  EXPECT_EQ(help.exitCode, 0);
+  EXPECT_NE(help.out.find("Usage: xvkfc cluster "), std::string::npos) << help.out;
+  const ProcessResult version = runProgram({"--version"});
+  EXPECT_EQ(version.exitCode, 0);
+  EXPECT_NE(version.out.find("libxvkfcEngineTAVO "), std::string::npos) << version.out;
+  EXPECT_NE(version.out.find("Version : 2016.11.24(M)"), std::string::npos) << version.out;
 }
 
 // Demo, one call in two batches and two calls of one batch each give what
@@ -118,29 +148,54 @@ TEST_F(ProgramTest, EveryWayOfBatchingGivesTheClustersOfTheLibraryCalledDirectly
                   Path("cluster.json"), "--report", Path("report.html")});
   ASSERT_EQ(cluster.exitCode, 0) << cluster.err;
   EXPECT_TRUE(readWholeFile(Path("cluster.json")) == direct);
-  EXPECT_NE(cluster.out.find("quality: pairwise P "), std::string::npos) << cluster.out;
+  EXPECT_NE(cluster.out.find("labelled faces of this file: pairwise P "), std::string::npos)
+      << cluster.out;
   // Progress names each phase on standard error.
   for (const char* phase : {"loading", "clustering", "reading results"}) {
     EXPECT_NE(cluster.err.find(phase), std::string::npos) << phase;
   }
   const std::string html = readWholeFile(Path("report.html"));
   EXPECT_EQ(tool_test::htmlProblem(html), "");
-  EXPECT_EQ(tool_test::inlineImages(html).size(), 2u);
+  EXPECT_EQ(tool_test::inlineImages(html).size(), 1u);
 
   // The second call is given the first call's clusters file; both read raw
   // features, cut from the gallery's bytes.
   const std::string raw = encodeFeatures("x.raw", features);
   folder_.write("first.f32", raw.substr(0, half * 3840));
   folder_.write("second.f32", raw.substr(half * 3840));
-  std::string ids;
+  // Labels keyed by face id, in reverse order, measure the whole gallery.
+  std::string ids, pairs;
   for (int i = half; i < features.rows(); ++i) ids += std::to_string(i) + " ";
+  const std::vector<int> labels = readIntList(Path("g/labels.txt"), "labels");
+  for (int i = features.rows() - 1; i >= 0; --i)
+    pairs += std::to_string(i) + "\t" + std::to_string(labels[i]) + "\n";
   folder_.write("ids.txt", ids);
+  folder_.write("pairs.tsv", pairs);
   ASSERT_EQ(runProgram({"-q", "cluster", Path("first.f32"), "-o", Path("first.json")}).exitCode, 0);
   const ProcessResult second =
       runProgram({"-q", "cluster", Path("second.f32"), "--ids", Path("ids.txt"), "--existing",
-                  Path("first.json"), "-o", Path("second.json")});
+                  Path("first.json"), "-o", Path("second.json"), "--labels", Path("pairs.tsv"),
+                  "--assignments", Path("second.tsv"), "--metrics-json", Path("m.json")});
   ASSERT_EQ(second.exitCode, 0) << second.err;
   EXPECT_TRUE(readWholeFile(Path("second.json")) == direct);
+  const std::string scope =
+      "over the " + std::to_string(features.rows()) +
+      " labelled faces of the gallery: " + cluster.out.substr(cluster.out.find("pairwise P "), 60);
+  EXPECT_NE(second.out.find(scope), std::string::npos) << second.out << cluster.out;
+  EXPECT_NE(readWholeFile(Path("m.json")).find("\"scope\": \"gallery\""), std::string::npos);
+
+  // One line per face of the second file, in its order, with the first real
+  // cluster that lists it, or -1.
+  std::map<int, int> clusterOf;
+  for (const ClusterRecord& c : readClusters(Path("second.json")))
+    for (int face : c.faceIds) clusterOf.emplace(face, c.id);  // the bucket -1 comes first
+  for (const ClusterRecord& c : readClusters(Path("second.json")))
+    for (int face : c.faceIds)
+      if (c.id >= 0 && clusterOf[face] < 0) clusterOf[face] = c.id;
+  std::string expected;
+  for (int i = half; i < features.rows(); ++i)
+    expected += std::to_string(i) + "\t" + std::to_string(clusterOf[i]) + "\n";
+  EXPECT_EQ(readWholeFile(Path("second.tsv")), expected);
 }
 
 TEST_F(ProgramTest, FeatureOperations) {
@@ -168,17 +223,37 @@ TEST_F(ProgramTest, FeatureOperations) {
   for (const ClusterRecord& c : readClusters(Path("c.json"))) {
     if (c.id < 0) continue;
     const std::string line = "\n" + std::to_string(c.repFaceId) + "\t" + std::to_string(c.id);
-    EXPECT_NE(recommended.find(line + "\n"), std::string::npos) << line;
+    EXPECT_NE(recommended.find(line + "\t1023\n"), std::string::npos) << line;
   }
+  // The best score shows how close a -1 came: below the cut-off of 921.
+  std::istringstream lines(recommended);
+  for (int face, cluster, best; lines >> face >> cluster >> best;)
+    EXPECT_EQ(cluster < 0, best < 921) << face;
+
+  // compare -o: the same scores as a (rows, rows) int32 array.
+  ASSERT_EQ(runProgram({"compare", features, "-o", Path("s.npy")}).exitCode, 0);
+  const NpyArray array = parseNpy(readWholeFile(Path("s.npy")), "s.npy");
+  EXPECT_EQ(array.descr, "<i4");
+  EXPECT_EQ(array.shape, (std::vector<uint64_t>{uint64_t(rows), uint64_t(rows)}));
+  EXPECT_EQ(array.data, int32Data(scores));
 
   // representative: one of the inputs, written as a one-row feature file.
   const ProcessResult representative =
       runProgram({"representative", features, "-o", Path("r.npy")});
   ASSERT_EQ(representative.exitCode, 0) << representative.err;
-  const int chosen = std::atoi(representative.out.c_str() + representative.out.find("row ") + 4);
+  const int chosen = std::atoi(representative.out.c_str());
+  EXPECT_EQ(representative.out, std::to_string(chosen) + "\t" + std::to_string(chosen) + "\n");
   const FeatureMatrix written = readFeatures(Path("r.npy"));
   ASSERT_EQ(written.rows(), 1);
   EXPECT_EQ(std::memcmp(written.row(0), gallery.features.row(chosen), 3840), 0);
+
+  // A stored cluster's representative is its representative face.
+  const ClusterRecord stored = readClusters(Path("c.json")).back();
+  const ProcessResult picked = runProgram({"representative", features, "--clusters", Path("c.json"),
+                                           "--cluster", std::to_string(stored.id)});
+  ASSERT_EQ(picked.exitCode, 0) << picked.err;
+  EXPECT_EQ(picked.out,
+            std::to_string(stored.repFaceId) + "\t" + std::to_string(stored.repFaceId) + "\n");
 }
 
 TEST_F(ProgramTest, ExtractsFeaturesOfFaceRectanglesInAYuvImage) {
@@ -196,12 +271,24 @@ TEST_F(ProgramTest, ExtractsFeaturesOfFaceRectanglesInAYuvImage) {
   ASSERT_EQ(features.rows(), 2);
   EXPECT_NE(std::memcmp(features.row(0), features.row(1), 3840), 0);
 
+  // The same grey levels as a PNG: converted to Y = grey, U = V = 128, it
+  // gives the same features.
+  RgbImage grey(width, height, {0, 0, 0});
+  for (int i = 0; i < width * height; ++i) {
+    const uint8_t level = static_cast<uint8_t>(pattern[i]);
+    grey.fill(i % width, i / width, 1, 1, {level, level, level});
+  }
+  const ProcessResult png =
+      runProgram({"extract", folder_.write("pattern.png", encodePng(grey)), "--face", "0,0,20,11",
+                  "--face", "2,1,12,9", "-o", Path("png.npy")});
+  ASSERT_EQ(png.exitCode, 0) << png.err;
+  EXPECT_EQ(readWholeFile(Path("png.npy")), readWholeFile(Path("two.npy")));
+
   const struct {
     std::string image, face, expected;
   } cases[] = {
       {folder_.write("flat.yuv", std::string(size, '\x80')), "0,0,20,11", "no face found"},
       {folder_.write("short.yuv", pattern.substr(0, size - 1)), "0,0,20,11", "truncated"},
-      {image, "15,0,6,5", "does not lie inside"},
   };
   for (const auto& c : cases) {
     const ProcessResult run =

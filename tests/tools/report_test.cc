@@ -2,8 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "html_check.h"
 #include "tools/charts.h"
+#include "tools/cluster_doubts.h"
 
 namespace tool {
 namespace {
@@ -23,10 +26,12 @@ TEST(ClusterOrderTest, ClustersFirstThenUnclusteredThenTheRest) {
   EXPECT_EQ(order.rows, (std::vector<int>{2, 0, 3, 1, 4, 5}));
   EXPECT_EQ(order.blocks, (std::vector<int>{2, 2}));
 
-  // Thinned to every second face of that layout: rows 2, 3, 4.
+  EXPECT_EQ(order.blockIds, (std::vector<int>{0, 1}));
+
+  // Thinned: every clustered face stays, the two after them become one.
   const ClusterOrder thin = orderByCluster(clusters, faceIds, 3);
-  EXPECT_EQ(thin.rows, (std::vector<int>{2, 3, 4}));
-  EXPECT_EQ(thin.blocks, (std::vector<int>{1, 1}));
+  EXPECT_EQ(thin.rows, (std::vector<int>{2, 0, 3, 1, 4}));
+  EXPECT_EQ(thin.blocks, (std::vector<int>{2, 2}));
 }
 
 TEST(ReportTest, WellFormedEscapedPageWithAHeatMapInClusterOrderAndClustersOutlined) {
@@ -49,7 +54,7 @@ TEST(ReportTest, WellFormedEscapedPageWithAHeatMapInClusterOrderAndClustersOutli
   EXPECT_EQ(html.find("<b>"), std::string::npos);
 
   const std::vector<tool_test::InlineImage> images = tool_test::inlineImages(html);
-  ASSERT_EQ(images.size(), 2u);  // the heat map and the histogram of cluster sizes
+  ASSERT_EQ(images.size(), 1u);  // the heat map; the histogram is SVG
   const tool_test::InlineImage& heat = images[0];
   ASSERT_EQ(heat.width, heat.height);
   ASSERT_EQ(heat.width % 6, 0);
@@ -69,6 +74,44 @@ TEST(ReportTest, WellFormedEscapedPageWithAHeatMapInClusterOrderAndClustersOutli
   // Cluster 0 (two faces) is outlined; the unclustered face, last, is not.
   EXPECT_EQ(pixel(0, cell), (std::vector<int>{255, 64, 64}));
   EXPECT_NE(pixel(5 * cell, 5 * cell + cell / 2), (std::vector<int>{255, 64, 64}));
+  // The blocks carry their cluster ids; the histogram's text is text.
+  EXPECT_NE(html.find("<title>cluster 1: 3 faces</title>"), std::string::npos);
+  EXPECT_NE(html.find(">faces in the cluster</text>"), std::string::npos);
+}
+
+// Which clusters a reader should doubt: on scores made up so that cluster 1
+// holds a pair below the split level and two identities, cluster 0 is tight
+// and the unclustered face 13 nearly matches face 10.
+TEST(ReportTest, ClustersToDoubtAreMarkedAndListedFirst) {
+  ReportData data;
+  data.clusters = {Cluster(-1, {13}), Cluster(0, {10, 12}), Cluster(1, {11, 14, 15})};
+  const std::vector<int> faceIds = {10, 11, 12, 13, 14, 15};
+  data.view.order = orderByCluster(data.clusters, faceIds, 100);  // 10 12 | 11 14 15 | 13
+  data.view.facesWithFeatures = 6;
+  for (int row : data.view.order.rows) data.view.faceIds.push_back(faceIds[row]);
+  const int scores[6][6] = {{1023, 990, 500, 500, 500, 900}, {990, 1023, 500, 500, 500, 500},
+                            {500, 500, 1023, 950, 600, 500}, {500, 500, 950, 1023, 800, 500},
+                            {500, 500, 600, 800, 1023, 500}, {900, 500, 500, 500, 500, 1023}};
+  for (const auto& row : scores)
+    data.view.similarities.insert(data.view.similarities.end(), row, row + 6);
+  data.identities = {{10, 1}, {12, 1}, {11, 2}, {14, 2}, {15, 3}, {13, 1}};
+
+  const std::vector<ClusterFigures> figures = clusterFigures(data.view, data.identities);
+  ASSERT_EQ(figures.size(), 2u);
+  EXPECT_NEAR(figures[1].lowestInside, 600 / 1023.0, 1e-9);
+  EXPECT_NEAR(figures[1].meanInside, (950 + 600 + 800) / 3.0 / 1023.0, 1e-9);
+  EXPECT_EQ(figures[0].doubts, std::vector<std::string>{});
+  EXPECT_EQ(figures[1].doubts.size(), 2u);  // two identities, a pair below 0.69 (706)
+  const std::vector<CloseMatch> close = closeUnclustered(data.view, 0.74);
+  ASSERT_EQ(close.size(), 1u);
+  EXPECT_EQ(std::tie(close[0].faceId, close[0].matchFaceId, close[0].clusterId),
+            std::make_tuple(13, 10, 0));
+
+  const std::string html = renderReport(data);
+  EXPECT_EQ(tool_test::htmlProblem(html), "");
+  const size_t doubted = html.find("<tr class=\"doubt\"><td>1</td>");
+  ASSERT_NE(doubted, std::string::npos);
+  EXPECT_LT(doubted, html.find("<tr><td>0</td>"));
 }
 
 }  // namespace

@@ -1,0 +1,56 @@
+#include "tools/labels.h"
+
+#include <sstream>
+
+#include "tools/atomic_file.h"
+#include "tools/feature_file.h"
+#include "tools/npy.h"
+#include "tools/quality.h"
+#include "tools/tool_error.h"
+
+namespace tool {
+namespace {
+
+// True when every non-empty line of `text` holds exactly two words.
+bool isPairText(const std::string& text) {
+  std::istringstream lines(text);
+  std::string line;
+  bool any = false;
+  while (std::getline(lines, line)) {
+    std::istringstream words(line);
+    std::string word;
+    int count = 0;
+    while (words >> word) ++count;
+    if (count == 0) continue;
+    if (count != 2) return false;
+    any = true;
+  }
+  return any;
+}
+
+bool isPairNpy(const std::string& path, const std::string& bytes) {
+  if (!hasSuffix(path, ".npy")) return false;
+  const NpyArray array = parseNpy(bytes, path);
+  return array.shape.size() == 2 && array.shape[1] == 2;
+}
+
+}  // namespace
+
+Labels readLabels(const std::string& path, const std::vector<int>& faceIds) {
+  const std::string bytes = readWholeFile(path);
+  Labels labels;
+  if (!(hasSuffix(path, ".npy") ? isPairNpy(path, bytes) : isPairText(bytes))) {
+    labels.identities = identityOfFaces(faceIds, readIntList(path, "labels"), path.c_str());
+    return labels;
+  }
+  labels.keyedByFaceId = true;
+  const std::vector<int> values = readIntList(path, "labels", /*allowPairs=*/true);
+  for (size_t i = 0; i + 1 < values.size(); i += 2) {
+    if (!labels.identities.emplace(values[i], values[i + 1]).second) {
+      throw ToolError(path + ": face id " + std::to_string(values[i]) + " is labelled twice");
+    }
+  }
+  return labels;
+}
+
+}  // namespace tool
