@@ -1,4 +1,5 @@
 // xvkfc extract: features of face rectangles in a planar YUV 4:2:0 image.
+#include <cstdint>
 #include <cstdio>
 #include <memory>
 #include <sstream>
@@ -46,18 +47,25 @@ int runExtract(const ExtractOptions& options, const GlobalOptions& global) {
   std::vector<itf_xvk_faceroi> rois;
   for (const std::string& face : options.faces) {
     const std::vector<int> r = parseInts(face, ',', 4, "face rectangle (LEFT,TOP,WIDTH,HEIGHT)");
-    if (r[0] < 0 || r[1] < 0 || r[2] < 1 || r[3] < 1 || r[0] + r[2] > width ||
-        r[1] + r[3] > height) {
+    // In 64 bits: left + width of two large ints overflows int.
+    if (r[0] < 0 || r[1] < 0 || r[2] < 1 || r[3] < 1 || int64_t{r[0]} + r[2] > width ||
+        int64_t{r[1]} + r[3] > height) {
       throw ToolError("face rectangle " + face + " does not lie inside the " +
                       std::to_string(width) + "x" + std::to_string(height) + " image");
     }
     rois.push_back({r[0], r[1], r[2], r[3]});
   }
 
+  // Y plane, then U and V planes of half the size rounded up; in 64 bits, as
+  // 2147483647 x 2147483647 needs about 2^62 bytes.
+  const uint64_t chroma = (static_cast<uint64_t>(width) + 1) / 2 * ((static_cast<uint64_t>(height) + 1) / 2);
+  const uint64_t expected = static_cast<uint64_t>(width) * static_cast<uint64_t>(height) + 2 * chroma;
+  if (expected > kMaxInputBytes) {
+    throw ToolError("a planar YUV 4:2:0 image of " + options.size + " has " +
+                    std::to_string(expected) + " bytes, more than the " +
+                    std::to_string(kMaxInputBytes) + " an input file may have");
+  }
   const std::string bytes = readWholeFile(options.image);
-  // Y plane, then U and V planes of half the size rounded up.
-  const size_t chroma = static_cast<size_t>((width + 1) / 2) * ((height + 1) / 2);
-  const size_t expected = static_cast<size_t>(width) * height + 2 * chroma;
   if (bytes.size() != expected) {
     throw ToolError(options.image + ": " + (bytes.size() < expected ? "truncated: " : "") +
                     "a planar YUV 4:2:0 image of " + options.size + " has " +
