@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <cstdlib>
 #include <functional>
 #include <set>
@@ -134,7 +135,7 @@ TEST_F(ClusteringCycle, MalformedListsAreRejectedAndChangeNothing) {
       [](auto& list, auto&) { list.count = -1; },
       [](auto& list, auto&) { list.items = nullptr; },
       [](auto&, auto& item) { item.clusterId = -2; },
-      [](auto&, auto& item) { item.clusterId = 1000001; },
+      [](auto&, auto& item) { item.clusterId = INT_MAX - 3; },  // + 2 queued faces + 2 overflows
       [](auto&, auto& item) { item.faceCount = -1; },
       [](auto&, auto& item) { item.faceIds = nullptr; },
       [](auto&, auto& item) { item.featureDim = 959; },
