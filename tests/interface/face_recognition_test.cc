@@ -124,37 +124,29 @@ int failuresOnNotReadyHandle(FaceRecognition& handle) {
 constexpr int kOperations = 9;
 
 TEST(NotReadyHandle, EveryOperationFailsWithOneLineAndTouchesNothing) {
-  struct State {
-    const char* name;
-    bool initFirst, release;
-    int recognizerInit, landmarkInit;  // of a further Init, when either is < 1
-  };
-  const State states[] = {{"never initialised", false, false, 1, 1},
-                          {"released", true, true, 1, 1},
-                          {"recognizer failed", false, false, 0, 1},
-                          // The earlier engine points at the recognizer this Init deleted.
-                          {"recognizer failed on re-init", true, false, -2, 1},
-                          {"landmarks failed on re-init", true, false, 1, 0}};
-  for (const State& state : states) {
+  // {Init first, then Release, then an Init whose recognizer / detector
+  // returns these}. In the last two the earlier engine points at the
+  // recognizer the failed Init deleted.
+  const int states[][4] = {{0, 0, 1, 1}, {1, 1, 1, 1}, {1, 0, -2, 1}, {1, 0, 1, 0}};
+  for (const auto& state : states) {
     FaceRecognition handle;
-    if (state.initFirst) {
-      ASSERT_EQ(handle.itf_xvk_Init("/a"), 960);
+    if (state[0]) {
+      EXPECT_EQ(handle.itf_xvk_Init("/a"), 960);
     }
-    if (state.release) handle.itf_xvk_Release();
-    scripted().recognizerInitResult = state.recognizerInit;
-    scripted().landmarkInitResult = state.landmarkInit;
-    if (state.recognizerInit < 1 || state.landmarkInit < 1) {
+    if (state[1]) handle.itf_xvk_Release();
+    scripted().recognizerInitResult = state[2];
+    scripted().landmarkInitResult = state[3];
+    if (state[2] < 1 || state[3] < 1) {
       EXPECT_LT(handle.itf_xvk_Init("/b"), 1);
     }
     scripted().events.clear();
     LogCapture log;
-    EXPECT_EQ(failuresOnNotReadyHandle(handle), kOperations) << state.name;
-    EXPECT_EQ(log.lines.size(), static_cast<size_t>(kOperations)) << state.name;
+    EXPECT_EQ(failuresOnNotReadyHandle(handle), kOperations);
+    EXPECT_EQ(log.lines.size(), static_cast<size_t>(kOperations));
     EXPECT_TRUE(scripted().events.empty() && scripted().landmarkCalls.empty() &&
-                scripted().comparisons.empty())
-        << state.name;
+                scripted().comparisons.empty());
     scripted().recognizerInitResult = scripted().landmarkInitResult = 1;
-    EXPECT_EQ(handle.itf_xvk_Init("/c"), 960) << state.name;
+    EXPECT_EQ(handle.itf_xvk_Init("/c"), 960);
     handle.itf_xvk_Release();
   }
 }
