@@ -229,10 +229,7 @@ int FaceRecognition::itf_xvk_recommendCluster(itf_xvk_clusterinfo* list, float* 
     int bestScore = 0;
     for (int i = 0; i < list->count; ++i) {
       const itf_xvk_clusteritem& item = list->items[i];
-      // The bucket has no representative, and neither has a cluster with
-      // featureDim 0 (one whose representative ran out of memory): neither
-      // can be recommended, and their feature is not read.
-      if (item.clusterId < 0 || item.featureDim == 0) continue;
+      if (item.clusterId < 0) continue;
       // The engine reads 960 floats of the cluster's feature.
       if (item.feature == nullptr || item.featureDim != detail::kFeatureDim) return -1;
       const int score = engine->recommendCluster(item.feature, feature, 0);

@@ -178,9 +178,9 @@ class XVKFC_EXPORT FaceRecognition {
 
   // The clusterId of the element of `list` whose feature best fits
   // `feature`, scored 921..1023 (a comparator score above 0.8); -1 when none
-  // scores that high. Elements with a negative clusterId or featureDim 0
-  // are skipped (their feature is not read); any other element whose
-  // feature is null or whose featureDim is not 960 makes the result -1. Ties go to the earlier
+  // scores that high. Elements with a negative clusterId are skipped; an
+  // element with clusterId 0 or more whose feature is null or whose
+  // featureDim is not 960 makes the result -1. Ties go to the earlier
   // element. Returns -1 for a null `list`, items or `feature` and for a count
   // below 1. The last argument is not used. `list` is only read.
   int itf_xvk_recommendCluster(itf_xvk_clusterinfo* list, float* feature, int count);

@@ -230,9 +230,6 @@ TEST_F(ClusteringCycle, RecommendationSkipsTheBucketAndKeepsTheEarlierTie) {
   EXPECT_EQ(handle.itf_xvk_recommendCluster(&list, query.data(), 0), -1);
   items[3].feature = nullptr;
   EXPECT_EQ(handle.itf_xvk_recommendCluster(&list, query.data(), 0), -1);
-  items[2].featureDim = 0;  // no representative: skipped, like the bucket
-  items[3].featureDim = 0;
-  EXPECT_EQ(handle.itf_xvk_recommendCluster(&list, f20.data(), 0), 7);
 }
 
 TEST_F(ClusteringCycle, RunningOutOfMemoryIsLoggedAndNeverEscapes) {
