@@ -18,9 +18,10 @@
 namespace {
 
 // The largest application cluster id whose arithmetic cannot overflow int
-// when `queuedFaces` faces are clustered with it: the run's new clusters
-// (fewer than the faces) are numbered after the largest id, and the merge
-// walks ids up to the last of those plus 2.
+// when `queuedFaces` faces are clustered with it: the run's new clusters (at
+// most one per face) are numbered after the largest id, up to that id plus
+// `queuedFaces`, and the count of ids from -1 to the last one (last + 2)
+// must be an int as well.
 int64_t largestClusterId(int64_t queuedFaces) { return INT_MAX - 2 - queuedFaces; }
 
 // Logs why `list` cannot be handed to the engine and returns false, or
