@@ -185,6 +185,7 @@ int FaceRecognition::itf_xvk_getClusterInfo(itf_xvk_clusterinfo* list) {
       return 0;
     }
     if (list == nullptr) return 0;
+    list->count = 0;  // also what a failure below leaves
     const std::vector<clusterinfo> infos = engine->getClusterInfo();
     const int count = static_cast<int>(infos.size());
     list->count = count;
