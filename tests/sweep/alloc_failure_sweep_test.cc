@@ -47,8 +47,6 @@ std::string describe(const itf_xvk_clusterinfo& list) {
   return text;
 }
 
-// Runs one call of the library with its allocations counted; the test's own
-// are not.
 // The allocation made to fail, counted from the start of the cycle (0:
 // none), and the operation it fell in, for the messages.
 long cycleStart = 0;
@@ -152,7 +150,7 @@ TEST(AllocationFailureSweep, EveryFailedAllocationEndsCleanlyAndIsLogged) {
   ASSERT_NE(normal.find("recommend 2 "), std::string::npos) << normal;
   const char* strideText = std::getenv("XVKFC_SWEEP_STRIDE");
   const long stride = strideText ? std::max(1L, std::atol(strideText)) : 1;
-  std::printf("%ld allocations in a cycle, failing every %ld-th\n", allocations, stride);
+  std::printf("%ld allocations in a cycle; failing 1 in %ld of them\n", allocations, stride);
 
   for (long k = 1; k <= allocations; k += stride) {
     scriptDoubles();
@@ -166,6 +164,8 @@ TEST(AllocationFailureSweep, EveryFailedAllocationEndsCleanlyAndIsLogged) {
     } catch (const std::exception& e) {
       ADD_FAILURE() << "allocation " << k << " in " << failedIn << ": " << e.what()
                     << " escaped";
+    } catch (...) {
+      ADD_FAILURE() << "allocation " << k << " in " << failedIn << ": an exception escaped";
     }
     alloc_failure::disarm();
     failing = 0;
