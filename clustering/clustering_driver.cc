@@ -7,7 +7,12 @@
 
 void FaceClusteringSystem::clusteringFace(std::vector<clusterinfo> existing) {
   // featureMats is empty only after a reset that ran out of memory; nothing
-  // is loaded then.
+  // is loaded then. Rows past the last face record lost their record to an
+  // allocation failure while loading (logged then): with no face id to
+  // report them under, they are left out of the run.
+  if (!featureMats.empty() && featureMats[0].rows.size() > faces.size()) {
+    featureMats[0].rows.resize(faces.size());
+  }
   const int n = featureMats.empty() ? 0 : featureMats[0].rowCount();
   if (n > 0) {
     clusters.clear();

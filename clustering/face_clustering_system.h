@@ -52,7 +52,9 @@ class XVKFC_EXPORT FaceClusteringSystem {
   // --- Loading and kernel ---------------------------------------------------
 
   // Copies 960 floats from `feature` as a new row with a Face of `faceId`,
-  // keeping the rows in ascending lexicographic order of their floats.
+  // keeping the rows in ascending lexicographic order of their floats. When
+  // the Face cannot be added the row stays, last and without a record; rows
+  // loaded later go in front of such rows, so row i is always faces[i].
   void loadFeatureVector(float* feature, int faceId);
   // Replaces `kernel` by the similarities of the rows of features[0]. The
   // Mat<int> is not used.
@@ -62,7 +64,9 @@ class XVKFC_EXPORT FaceClusteringSystem {
 
   // One clustering run over the loaded faces, merged with `existing`; then
   // the loaded faces are cleared. With no loaded faces the cluster map is
-  // kept as it is and `existing` is not merged.
+  // kept as it is and `existing` is not merged. Rows without a face record
+  // are dropped first. Failures other than the caught allocation failures
+  // propagate and leave the engine part-way (the facade puts it back).
   void clusteringFace(std::vector<clusterinfo> existing);
   // Split-and-merge cycles, outlier pruning and the rebuild of `clusters`.
   // The Mat<int> is not read.
@@ -73,8 +77,11 @@ class XVKFC_EXPORT FaceClusteringSystem {
   // Joins clusters until a pass joins nothing, then renumbers.
   void MergeClusters(Vec<int>& labels, bool dropSingletons);
   // Merges the run's clusters with the application's clusters.
-  // REQUIRES: every id in `existing` is -1 or more, and every cluster with an
-  // id of 0 or more has a feature of 960 floats (the facade checks both).
+  // A cluster with an id of 0 or more and no feature is kept but never
+  // compared.
+  // REQUIRES: every id in `existing` is -1 or more, the largest id plus the
+  // number of the run's clusters fits in an int, and every feature is empty
+  // or 960 floats (the facade checks all three).
   void mergeInitialCluster(std::vector<clusterinfo> existing);
 
   // --- Spectral path ------------------------------------------------------------

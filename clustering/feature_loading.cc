@@ -46,19 +46,25 @@ void FaceClusteringSystem::loadFeatureVector(float* feature, int faceId) {
     return;
   }
 
+  // Rows past the last face record are rows whose record could not be
+  // added. They stay last, outside the order; the new row, which has a
+  // record, goes in front of them so that row i keeps belonging to faces[i].
+  const int added = static_cast<int>(faces.size()) - 1;
+  if (static_cast<int>(rows.size()) - 1 > added) {
+    std::rotate(rows.begin() + added, rows.end() - 1, rows.end());
+  }
+
   // Insertion step of an insertion sort. The scan always compares against
   // the new feature and always exchanges positions j and j+1, so it passes
   // over an equal row without stopping, and a greater row found below an
   // equal one is exchanged with that equal row, not with the new feature.
-  const Vec<float> added = rows.back();
-  for (int j = static_cast<int>(rows.size()) - 2; j >= 0; --j) {
-    const int order = compareFeatures(added, rows[j]);
+  const Vec<float> addedRow = rows[added];
+  for (int j = added - 1; j >= 0; --j) {
+    const int order = compareFeatures(addedRow, rows[j]);
     if (order > 0) break;
     if (order < 0) {
       std::swap(rows[j], rows[j + 1]);
-      // After a failed "add face" the face list is one short; never index
-      // past it.
-      if (static_cast<std::size_t>(j + 1) < faces.size()) std::swap(faces[j], faces[j + 1]);
+      std::swap(faces[j], faces[j + 1]);
     }
   }
 }
@@ -71,6 +77,10 @@ void FaceClusteringSystem::updateKernelwithFeatureMatching(std::vector<Mat<float
         const Vec<float> zeros(n);
         kernel.assign(n, zeros);
       })) {
+    // A failed assign can leave rows of the old kernel, shorter than n, next
+    // to new ones; an empty kernel is the one partial state every reader
+    // copes with.
+    kernel.clear();
     return;
   }
   if (n < 1) return;

@@ -1,10 +1,10 @@
 // Merging the run's clusters with the clusters the application already holds.
 #include <algorithm>
-#include <cassert>
 #include <cstddef>
 #include <cstring>
 #include <iterator>
 #include <map>
+#include <set>
 #include <vector>
 
 #include "FRecogInterface.h"
@@ -169,8 +169,8 @@ void FaceClusteringSystem::mergeInitialCluster(std::vector<clusterinfo> existing
   }
 
   // The run's clusters, numbered after the application's in key order, and
-  // the run's outliers (key -1, which comes first).
-  int lastId = maxId;
+  // the run's outliers (key -1, which comes first). The facade keeps maxId
+  // low enough for maxId + 1 + key to fit in an int.
   for (const auto& entry : clusters) {
     const int key = entry.first;
     const Vec<int> faceIndices = entry.second.members;
@@ -180,7 +180,6 @@ void FaceClusteringSystem::mergeInitialCluster(std::vector<clusterinfo> existing
       cl.init(newId);
       getClusterFeature(cl, faceIndices);
       merged[newId] = cl;
-      lastId = newId;
       continue;
     }
 
@@ -203,23 +202,19 @@ void FaceClusteringSystem::mergeInitialCluster(std::vector<clusterinfo> existing
   const ClusterMap snapshot = merged;
   linkCloseClusters(recognizer, merged);
 
-  // One flag per id from -1 to lastId.
-  std::vector<char> used;
+  // The ids in use, walked in ascending order. A sorted set rather than one
+  // flag per id from -1 up to the largest: application ids can be as large
+  // as int allows, and the memory stays proportional to the cluster count.
+  std::set<int> used;
   if (!detail::runOrLogAllocFailure("malloc fail!!!(cid assign in mergeCluster", [&] {
-        used.assign(static_cast<std::size_t>(lastId) + 2, 0);
+        for (const auto& entry : merged) used.insert(entry.second.id);
       })) {
     clusters = snapshot;
     return;
   }
-  for (const auto& entry : merged) {
-    assert(entry.second.id >= -1 && entry.second.id <= lastId);
-    used[entry.second.id + 1] = 1;
-  }
 
   int next = 0;
-  for (int t = -1; t <= lastId; ++t) {
-    if (!used[t + 1]) continue;
-
+  for (int t : used) {
     Cluster* survivor = uniteGroup(*this, merged, t);
     if (survivor == nullptr) {
       clusters = snapshot;

@@ -43,4 +43,7 @@ else()
     set_target_properties(${lib} PROPERTIES CXX_VISIBILITY_PRESET default
                                             VISIBILITY_INLINES_HIDDEN OFF)
   endforeach()
+  # The extractor logs the one failure its null result cannot tell apart.
+  target_link_libraries(TAVO_FR PRIVATE xvkfc::android_log)
+  set_target_properties(TAVO_FR PROPERTIES INSTALL_RPATH_USE_LINK_PATH TRUE)
 endif()

@@ -1,26 +1,32 @@
 // The clustering operations of FaceRecognition: conversions between the
 // exchange records and the engine's clusterinfo list.
+#include <climits>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <map>
+#include <utility>
 #include <vector>
 
 #include "clustering/face_clustering_system.h"
 #include "clustering/thresholds.h"
 #include "interface/face_recognition.h"
+#include "interface/handle_readiness.h"
 #include "interface/public_call.h"
 #include "platform/log.h"
 
 namespace {
 
-// The largest application cluster id accepted. The engine hands out ids
-// 0, 1, 2, ..., so larger ones only come from damaged data; the merge numbers
-// new clusters after the largest id and keeps one flag per id up to it, which
-// past this bound would cost megabytes or overflow int.
-constexpr int kLargestClusterId = 1000000;
+// The largest application cluster id whose arithmetic cannot overflow int
+// when `queuedFaces` faces are clustered with it: the run's new clusters (at
+// most one per face) are numbered after the largest id, up to that id plus
+// `queuedFaces`, and the count of ids from -1 to the last one (last + 2)
+// must be an int as well.
+int64_t largestClusterId(int64_t queuedFaces) { return INT_MAX - 2 - queuedFaces; }
 
 // Logs why `list` cannot be handed to the engine and returns false, or
 // returns true when every element can be read as the merge reads it.
-bool isWellFormed(const itf_xvk_clusterinfo& list) {
+bool isWellFormed(const itf_xvk_clusterinfo& list, int queuedFaces) {
   if (list.count < 0) {
     detail::logDebug("itf_xvk_runClustering: rejected: count %d is negative", list.count);
     return false;
@@ -34,15 +40,16 @@ bool isWellFormed(const itf_xvk_clusterinfo& list) {
     const char* why = nullptr;
     if (item.clusterId < -1) {
       why = "cluster id below -1";
-    } else if (item.clusterId > kLargestClusterId) {
-      why = "cluster id above 1000000";
+    } else if (item.clusterId > largestClusterId(queuedFaces)) {
+      why = "cluster id too large to number the new clusters after it";
     } else if (item.faceCount < 0) {
       why = "negative faceCount";
     } else if (item.faceCount > 0 && item.faceIds == nullptr) {
       why = "null faceIds for a positive faceCount";
-    } else if (item.clusterId >= 0 && item.featureDim != detail::kFeatureDim) {
-      why = "featureDim is not 960";
-    } else if (item.clusterId >= 0 && item.feature == nullptr) {
+    } else if (item.clusterId >= 0 && item.featureDim != 0 &&
+               item.featureDim != detail::kFeatureDim) {
+      why = "featureDim is neither 0 nor 960";
+    } else if (item.clusterId >= 0 && item.featureDim != 0 && item.feature == nullptr) {
       why = "null feature";
     }
     if (why != nullptr) {
@@ -55,7 +62,9 @@ bool isWellFormed(const itf_xvk_clusterinfo& list) {
 }
 
 // The engine's form of the application's list. The feature of the bucket of
-// unclustered faces is never used, so it is not read.
+// unclustered faces is never used, so it is not read, nor that of a cluster
+// with featureDim 0 (a cluster whose representative the library could not
+// compute): it stays empty, and the merge compares nothing with it.
 std::vector<clusterinfo> toEngineList(const itf_xvk_clusterinfo& list) {
   std::vector<clusterinfo> infos(list.count);
   for (int i = 0; i < list.count; ++i) {
@@ -63,7 +72,9 @@ std::vector<clusterinfo> toEngineList(const itf_xvk_clusterinfo& list) {
     clusterinfo& info = infos[i];
     info.id = item.clusterId;
     if (item.faceCount > 0) info.faceIds.assign(item.faceIds, item.faceIds + item.faceCount);
-    if (item.clusterId >= 0) info.feature.assign(item.feature, item.feature + item.featureDim);
+    if (item.clusterId >= 0 && item.featureDim > 0) {
+      info.feature.assign(item.feature, item.feature + item.featureDim);
+    }
     info.repFaceId = item.repFaceId;
   }
   return infos;
@@ -104,10 +115,40 @@ bool fillItem(itf_xvk_clusteritem& item, const clusterinfo& info) {
   return item.faceIds != nullptr || info.faceIds.empty();
 }
 
+// What a clustering run changes that the application can see afterwards:
+// the queued faces and the result. A run that fails part-way through an
+// exception puts it all back, so the handle is as before the call.
+struct RunState {
+  int initialFaceCount;
+  std::vector<Face> faces;
+  int clusterCount;
+  std::map<int, Cluster> clusters;
+  std::vector<Mat<float>> featureMats;
+
+  explicit RunState(const FaceClusteringSystem& engine)
+      : initialFaceCount(engine.initialFaceCount),
+        faces(engine.faces),
+        clusterCount(engine.clusterCount),
+        clusters(engine.clusters),
+        featureMats(engine.featureMats) {}
+
+  // Moves only: cannot fail. The kernel is rebuilt by every run, so it is
+  // emptied rather than kept.
+  void restore(FaceClusteringSystem& engine) {
+    engine.initialFaceCount = initialFaceCount;
+    engine.faces = std::move(faces);
+    engine.clusterCount = clusterCount;
+    engine.clusters = std::move(clusters);
+    engine.featureMats = std::move(featureMats);
+    engine.kernel.clear();
+  }
+};
+
 }  // namespace
 
 int FaceRecognition::itf_xvk_loadFaceFeature(float* feature, int faceId) {
   return detail::guardPublicCall("itf_xvk_loadFaceFeature", -1, [&] {
+    if (!detail::requireReadyHandle(*this, "itf_xvk_loadFaceFeature")) return -1;
     if (feature == nullptr) {
       detail::logDebug("feature == NULL\n");
       return -1;
@@ -119,19 +160,32 @@ int FaceRecognition::itf_xvk_loadFaceFeature(float* feature, int faceId) {
 
 int FaceRecognition::itf_xvk_runClustering(itf_xvk_clusterinfo* list) {
   return detail::guardPublicCall("itf_xvk_runClustering", 0, [&] {
+    if (!detail::requireReadyHandle(*this, "itf_xvk_runClustering")) return 0;
+    const int queuedFaces = engine->featureMats.empty() ? 0 : engine->featureMats[0].rowCount();
     std::vector<clusterinfo> existing;
     if (list != nullptr) {
-      if (!isWellFormed(*list)) return 0;
+      if (!isWellFormed(*list, queuedFaces)) return 0;
       existing = toEngineList(*list);
     }
-    engine->clusteringFace(existing);
+    RunState before(*engine);
+    try {
+      engine->clusteringFace(existing);
+    } catch (...) {
+      before.restore(*engine);
+      throw;  // logged as the run's failure, result 0
+    }
     return 1;
   });
 }
 
 int FaceRecognition::itf_xvk_getClusterInfo(itf_xvk_clusterinfo* list) {
-  if (list == nullptr) return 0;
   return detail::guardPublicCall("itf_xvk_getClusterInfo", 0, [&] {
+    if (!detail::requireReadyHandle(*this, "itf_xvk_getClusterInfo")) {
+      if (list != nullptr) list->count = 0;
+      return 0;
+    }
+    if (list == nullptr) return 0;
+    list->count = 0;  // also what a failure below leaves
     const std::vector<clusterinfo> infos = engine->getClusterInfo();
     const int count = static_cast<int>(infos.size());
     list->count = count;
@@ -154,16 +208,22 @@ int FaceRecognition::itf_xvk_getClusterInfo(itf_xvk_clusterinfo* list) {
 
 float* FaceRecognition::itf_xvk_getClusterFeature(float* features, int count) {
   return detail::guardPublicCall("itf_xvk_getClusterFeature", static_cast<float*>(nullptr), [&] {
+    if (!detail::requireReadyHandle(*this, "itf_xvk_getClusterFeature")) {
+      return static_cast<float*>(nullptr);
+    }
     if (features == nullptr || count <= 0) return static_cast<float*>(nullptr);
     const Vec<float> representative = engine->getClusterFeature(features, count);
     if (representative.empty()) return static_cast<float*>(nullptr);
-    return mallocCopy(representative.data(), representative.size());
+    float* copy = mallocCopy(representative.data(), representative.size());
+    if (copy == nullptr) detail::logDebug("malloc fail!!!(copy in itf_xvk_getClusterFeature");
+    return copy;
   });
 }
 
 int FaceRecognition::itf_xvk_recommendCluster(itf_xvk_clusterinfo* list, float* feature,
                                               int /*count*/) {
   return detail::guardPublicCall("itf_xvk_recommendCluster", -1, [&] {
+    if (!detail::requireReadyHandle(*this, "itf_xvk_recommendCluster")) return -1;
     if (list == nullptr || list->items == nullptr || feature == nullptr || list->count < 1) {
       return -1;
     }

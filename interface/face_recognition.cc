@@ -31,7 +31,7 @@ void destroyLandmarkDetector(CLandmarkInterface*& detector) {
 }  // namespace
 
 int FaceRecognition::itf_xvk_Init(const char* modelPath) {
-  return detail::guardPublicCall("itf_xvk_Init", 0, [&] {
+  const int status = detail::guardPublicCall("itf_xvk_Init", 0, [&] {
     detail::logDebug("init FC engine (%s)", itf_FACE_SOLUTION_Version);
 
     // Each object is replaced only once the previous library initialised, so
@@ -57,6 +57,11 @@ int FaceRecognition::itf_xvk_Init(const char* modelPath) {
     featureBuffer = new float[detail::kFeatureDim];
     return detail::kFeatureDim;
   });
+  // After a failed Init the engine may still point at a recognizer that
+  // Init deleted, or share one that never initialised: it is cut off, which
+  // is what makes the handle not ready (interface/handle_readiness.h).
+  if (status != detail::kFeatureDim && engine != nullptr) engine->recognizer = nullptr;
+  return status;
 }
 
 int FaceRecognition::itf_xvk_Release() {

@@ -3,13 +3,23 @@
 // Conventions of every operation below:
 //  1. An application creates one FaceRecognition (all members null), calls
 //     itf_xvk_Init with the folder of the closed libraries' model files, uses
-//     the other itf_xvk_* operations, and ends with itf_xvk_Release. Every
-//     operation other than Init and Release requires a handle on which
-//     itf_xvk_Init returned 960.
+//     the other itf_xvk_* operations, and ends with itf_xvk_Release. The
+//     handle is ready from an itf_xvk_Init that returned 960 until the next
+//     itf_xvk_Init or itf_xvk_Release. On a handle that is not ready (never
+//     initialised, released, or whose last Init failed) every operation
+//     below except itf_xvk_getDim and itf_xvk_releaseClusterInfo logs one
+//     line ("<operation>: the handle is not ready ...") and returns its
+//     failure value (-1, 0 or null; itf_xvk_getClusterInfo also sets count
+//     to 0) without touching the handle's objects.
 //  2. Results are plain integers or pointers: 1, a count or 960 for success;
 //     0, -1 or null for failure, as each operation states. No exception
 //     leaves the library: an unexpected failure is logged and reported as the
 //     operation's failure value.
+//  2a. Running out of memory never makes the library read or write out of
+//     range, and always leaves one log line. Where the engine catches it
+//     ("malloc fail!!!(..." lines) the operation ends normally with the
+//     partial result it has; anything else ends the operation with its
+//     failure value (one "<operation> failed: ..." line).
 //  3. Features are 960 floats. Pointers to features are read only and stay
 //     the caller's.
 //  4. Arrays the library hands out are allocated with malloc: the lists of
@@ -55,7 +65,8 @@ class XVKFC_EXPORT FaceRecognition {
   // modelPath)), engine, feature buffer. Each object is replaced only after
   // the previous step succeeded. Loaded faces and clusters are dropped.
   // Returns 960 on success; otherwise the first failing step's value, which is
-  // less than 1, and the later members keep what they held.
+  // less than 1, and the later members keep what they held, but the handle
+  // is not ready: the engine no longer uses any recognizer.
   int itf_xvk_Init(const char* modelPath);
 
   // Releases everything the handle owns and nulls the members. Always 1; safe
@@ -71,9 +82,12 @@ class XVKFC_EXPORT FaceRecognition {
   // extraction; null when the image is invalid (logs "Invalid Image Data"),
   // when no landmarks are found or when extraction fails (featureBuffer is
   // then unchanged). The image is invalid when it is null, a size is not
-  // positive, dataLength is shorter than the planar 4:2:0 size, or
-  // width x height x 3 does not fit in an int. `landmarks` is neither read
-  // nor written.
+  // positive, dataLength is shorter than the planar 4:2:0 size,
+  // width x height x 3 does not fit in an int, or roi.left + roi.width or
+  // roi.top + roi.height does not fit in an int (all checked in 64 bits).
+  // When the BGR copy of the image cannot be allocated the result is null
+  // and "malloc fail!!!(bgr image in itf_xvk_extractFeature" is logged.
+  // `landmarks` is neither read nor written.
   float* itf_xvk_extractFeature(unsigned char* image, int dataLength, int width, int height,
                                 itf_xvk_faceroi roi, itf_xvk_landmark* landmarks);
   // The same without the landmark argument.
@@ -93,6 +107,12 @@ class XVKFC_EXPORT FaceRecognition {
   // `feature` under the application's `faceId` (ids should be unique; they
   // are what the cluster lists report). Returns 1; -1 for a null feature
   // (logs "feature == NULL").
+  // Out of memory: the face is not queued and 1 is still returned, with
+  // "malloc fail!!!(zeros in loadFeatureVector" logged, or with
+  // "malloc fail!!!(add face in loadFeatureVector" when the feature was
+  // stored but its face record was not. Such a feature without a face id
+  // takes no part in the next run (nor in any result) and is dropped by it:
+  // load the face again.
   // REQUIRES: feature points to 960 floats.
   int itf_xvk_loadFaceFeature(float* feature, int faceId);
 
@@ -108,12 +128,25 @@ class XVKFC_EXPORT FaceRecognition {
   // is numbered 0, 1, 2, ... plus the bucket -1.
   // With no queued faces nothing is clustered: `list` is not merged and the
   // previous result stays as it was.
+  // An element with a clusterId of 0 or more and featureDim 0 (what
+  // itf_xvk_getClusterInfo hands out for a cluster whose representative ran
+  // out of memory) is taken over with its faces but never compared: no
+  // queued face joins it, no cluster is united with it; it keeps its place
+  // in the numbering. Its feature is not read, nor that of an element with
+  // clusterId -1.
   // Returns 1. Returns 0, logs which element is wrong, and changes nothing
   // (the queued faces stay queued) when `list` is malformed: a negative
   // count; null items for a positive count; an element with a clusterId
-  // below -1 or above 1000000, a negative faceCount, null faceIds for a positive faceCount, or
-  // (clusterId 0 or more) a featureDim other than 960 or a null feature. The
-  // feature of an element with clusterId -1 is not read. `list` is only read.
+  // below -1 or above INT_MAX - 2 - (number of queued faces) (the largest
+  // id after which the new clusters can still be numbered in an int), a
+  // negative faceCount, null faceIds for a positive faceCount, or (clusterId
+  // 0 or more) a featureDim other than 0 or 960, or a null feature with
+  // featureDim 960. `list` is only read.
+  // Out of memory: where the engine catches it (a "malloc fail!!!(..."
+  // line) the run ends with its partial result and returns 1; any other
+  // failure during the run returns 0 with one "itf_xvk_runClustering
+  // failed: ..." line and changes nothing, as for a malformed list: the
+  // previous result stays readable and the queued faces stay queued.
   int itf_xvk_runClustering(itf_xvk_clusterinfo* list);
 
   // Writes the result of the last run into `list` and returns the number of
@@ -122,6 +155,9 @@ class XVKFC_EXPORT FaceRecognition {
   // a clusterId of 0 or more gets a malloc'd copy of its 960-float feature
   // and its repFaceId, the bucket -1 gets featureDim 0, feature null and
   // repFaceId -1. Give the arrays back with itf_xvk_releaseClusterInfo.
+  // A cluster whose representative could not be computed for lack of memory
+  // (logged during the run) has featureDim 0; itf_xvk_runClustering takes
+  // it back as it is.
   // Before any run the result is the empty bucket: 1 element, 0 face ids.
   // With no clusters, count is set to 0 and items is left as it was. Returns
   // 0 without touching anything for a null `list`, and 0 with count set to 0
@@ -136,7 +172,8 @@ class XVKFC_EXPORT FaceRecognition {
   // Side effect otherwise: the queued faces are discarded, and for a count
   // of 2 or more the given features become the queued faces (ids 0 ..
   // count-1) that the next itf_xvk_runClustering clusters. A count of 1
-  // returns a copy of the input without queuing it.
+  // returns a copy of the input without queuing it. Null, with one logged
+  // line, when memory runs out.
   float* itf_xvk_getClusterFeature(float* features, int count);
 
   // The clusterId of the element of `list` whose feature best fits

@@ -9,6 +9,7 @@
 #include "LandmarkInterface.h"
 #include "clustering/thresholds.h"
 #include "interface/face_recognition.h"
+#include "interface/handle_readiness.h"
 #include "interface/public_call.h"
 #include "interface/yuv_convert.h"
 #include "numeric/score_scale.h"
@@ -30,17 +31,24 @@ struct FreeDeleter {
 
 // Whether the image arguments describe a frame the library can read: a
 // non-null buffer, positive sizes, a buffer at least as long as the planar
-// 4:2:0 frame, and a BGR copy whose byte count fits in an int. The last two
-// stop a caller from making the library read or write past its buffers.
-bool isValidImage(const unsigned char* image, int dataLength, int width, int height) {
+// 4:2:0 frame, a BGR copy whose byte count fits in an int, and a face
+// rectangle whose right and bottom edges (left + width, top + height) fit in
+// an int. All of it in 64 bits, so no check can overflow; the sizes stop a
+// caller from making the library read or write past its buffers, the edges
+// keep the landmark detector's arithmetic inside int.
+bool isValidImage(const unsigned char* image, int dataLength, int width, int height,
+                  const itf_xvk_faceroi& roi) {
   if (image == nullptr || dataLength <= 0 || width <= 0 || height <= 0) return false;
   if (detail::planarYuv420Size(width, height) > dataLength) return false;
-  return static_cast<int64_t>(width) * height * 3 <= INT_MAX;
+  if (static_cast<int64_t>(width) * height * 3 > INT_MAX) return false;
+  const auto fitsInt = [](int64_t value) { return value >= INT_MIN && value <= INT_MAX; };
+  return fitsInt(static_cast<int64_t>(roi.left) + roi.width) &&
+         fitsInt(static_cast<int64_t>(roi.top) + roi.height);
 }
 
 float* extractFeature(FaceRecognition& handle, unsigned char* image, int dataLength, int width,
                       int height, itf_xvk_faceroi roi) {
-  if (!isValidImage(image, dataLength, width, height)) {
+  if (!isValidImage(image, dataLength, width, height, roi)) {
     detail::logDebug("Invalid Image Data");
     return nullptr;
   }
@@ -56,7 +64,10 @@ float* extractFeature(FaceRecognition& handle, unsigned char* image, int dataLen
 
   std::unique_ptr<unsigned char, FreeDeleter> bgr(
       static_cast<unsigned char*>(std::malloc(static_cast<size_t>(width) * height * 3)));
-  if (bgr == nullptr) return nullptr;
+  if (bgr == nullptr) {
+    detail::logDebug("malloc fail!!!(bgr image in itf_xvk_extractFeature");
+    return nullptr;
+  }
   yuv420_to_bgr24(image, width, height, bgr.get());
 
   std::unique_ptr<float, FreeDeleter> feature(handle.recognizer->RunFeatureExtraction(
@@ -74,6 +85,9 @@ float* FaceRecognition::itf_xvk_extractFeature(unsigned char* image, int dataLen
                                                int height, itf_xvk_faceroi roi,
                                                itf_xvk_landmark* /*landmarks: never touched*/) {
   return detail::guardPublicCall("itf_xvk_extractFeature", static_cast<float*>(nullptr), [&] {
+    if (!detail::requireReadyHandle(*this, "itf_xvk_extractFeature")) {
+      return static_cast<float*>(nullptr);
+    }
     return extractFeature(*this, image, dataLength, width, height, roi);
   });
 }
@@ -81,12 +95,16 @@ float* FaceRecognition::itf_xvk_extractFeature(unsigned char* image, int dataLen
 float* FaceRecognition::itf_xvk_extractFeature(unsigned char* image, int dataLength, int width,
                                                int height, itf_xvk_faceroi roi) {
   return detail::guardPublicCall("itf_xvk_extractFeature", static_cast<float*>(nullptr), [&] {
+    if (!detail::requireReadyHandle(*this, "itf_xvk_extractFeature")) {
+      return static_cast<float*>(nullptr);
+    }
     return extractFeature(*this, image, dataLength, width, height, roi);
   });
 }
 
 int FaceRecognition::itf_xvk_compareFeature(float* reg, float* test) {
   return detail::guardPublicCall("itf_xvk_compareFeature", -1, [&] {
+    if (!detail::requireReadyHandle(*this, "itf_xvk_compareFeature")) return -1;
     if (reg == nullptr) {
       detail::logDebug("reg == NULL\n");
       return -1;

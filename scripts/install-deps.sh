@@ -10,6 +10,7 @@ packages=(
   g++-arm-linux-gnueabihf qemu-user
   libc6:armhf libstdc++6:armhf libgtest-dev:armhf android-liblog-dev:armhf
   nlohmann-json3-dev libcli11-dev libstb-dev
+  clang libclang-rt-14-dev
 )
 
 as_root() {

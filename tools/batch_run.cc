@@ -10,7 +10,9 @@ std::vector<ClusterRecord> clusterInBatches(EngineSession& session, const Featur
                                             std::vector<ClusterRecord> existing,
                                             const BatchPlan& plan, Progress& progress) {
   const int rows = features.rows();
-  const int batchSize = plan.batchSize > 0 ? plan.batchSize : rows;
+  // A batch size of 0 or of at least every face is one run; clamping it here
+  // also keeps begin + batchSize below INT_MAX.
+  const int batchSize = plan.batchSize > 0 && plan.batchSize < rows ? plan.batchSize : rows;
   const int batches = (rows + batchSize - 1) / batchSize;
   std::vector<int> measuredFaces, identities;
   for (int batch = 0; batch < batches; ++batch) {

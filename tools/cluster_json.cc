@@ -14,6 +14,10 @@
 namespace tool {
 namespace {
 
+// The smallest magnitude that rounds to infinity as a float: the largest float
+// plus half a unit in its last place (2^127 * 2^-24).
+constexpr double kFloatOverflow = double{std::numeric_limits<float>::max()} + 0x1p103;
+
 using nlohmann::json;
 
 constexpr const char* kFormat = "xvkfc-clusters";
@@ -77,8 +81,9 @@ ClusterRecord parseCluster(const json& cluster, const std::string& where) {
     throw ToolError(where + ": \"representative_feature\" must be an array of 960 numbers");
   }
   for (const json& value : *feature) {
-    if (!value.is_number() || !std::isfinite(value.get<double>())) {
-      throw ToolError(where + ": \"representative_feature\" must hold finite numbers");
+    // 1e39 is finite as a double but infinite as the float the library takes.
+    if (!value.is_number() || !(std::fabs(value.get<double>()) < kFloatOverflow)) {
+      throw ToolError(where + ": \"representative_feature\" must hold finite float32 numbers");
     }
     record.feature.push_back(value.get<float>());
   }

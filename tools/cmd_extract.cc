@@ -66,13 +66,18 @@ YuvImage readImage(const ExtractOptions& options) {
   YuvImage image;
   image.width = size[0];
   image.height = size[1];
-  const std::string bytes = readWholeFile(options.image);
   // Y plane, then U and V planes of half the size rounded up.
   // In 64 bits: 2147483647 x 2147483647 needs about 2^62 bytes.
   const uint64_t chroma = (static_cast<uint64_t>(image.width) + 1) / 2 *
                           ((static_cast<uint64_t>(image.height) + 1) / 2);
   const uint64_t expected =
       static_cast<uint64_t>(image.width) * static_cast<uint64_t>(image.height) + 2 * chroma;
+  if (expected > kMaxInputBytes) {
+    throw ToolError("a planar YUV 4:2:0 image of " + options.size + " has " +
+                    std::to_string(expected) + " bytes, more than the " +
+                    std::to_string(kMaxInputBytes) + " an input file may have");
+  }
+  const std::string bytes = readWholeFile(options.image);
   if (bytes.size() != expected) {
     throw ToolError(options.image + ": " + (bytes.size() < expected ? "truncated: " : "") +
                     "a planar YUV 4:2:0 image of " + options.size + " has " +

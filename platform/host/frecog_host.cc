@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <cstdlib>
 
+#include <android/log.h>
+
 #if defined(__x86_64__)
 #include <immintrin.h>
 #endif
@@ -181,7 +183,11 @@ float* CFRecogInterface::RunFeatureExtraction(unsigned char* image, int width, i
   if (squares == 0.0) return nullptr;
 
   auto* feature = static_cast<float*>(std::malloc(kFeatureDim * sizeof(float)));
-  if (feature == nullptr) return nullptr;
+  if (feature == nullptr) {
+    // The caller cannot tell this null from "no feature"; the log can.
+    __android_log_print(ANDROID_LOG_DEBUG, "TAVO_FR", "RunFeatureExtraction: malloc fail");
+    return nullptr;
+  }
   const double norm = std::sqrt(squares);
   for (int i = 0; i < kFeatureDim; ++i) feature[i] = static_cast<float>(cells[i] / norm);
   return feature;

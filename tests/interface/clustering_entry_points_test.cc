@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <cstdlib>
 #include <functional>
 #include <set>
@@ -134,7 +135,7 @@ TEST_F(ClusteringCycle, MalformedListsAreRejectedAndChangeNothing) {
       [](auto& list, auto&) { list.count = -1; },
       [](auto& list, auto&) { list.items = nullptr; },
       [](auto&, auto& item) { item.clusterId = -2; },
-      [](auto&, auto& item) { item.clusterId = 1000001; },
+      [](auto&, auto& item) { item.clusterId = INT_MAX - 3; },  // + 2 queued faces + 2 overflows
       [](auto&, auto& item) { item.faceCount = -1; },
       [](auto&, auto& item) { item.faceIds = nullptr; },
       [](auto&, auto& item) { item.featureDim = 959; },
@@ -150,6 +151,53 @@ TEST_F(ClusteringCycle, MalformedListsAreRejectedAndChangeNothing) {
   EXPECT_EQ(handle.engine->faces.size(), 2u);  // still loaded
   Read();
   EXPECT_EQ(MembersOf(0), (Ids{10, 11}));  // still the previous result
+}
+
+TEST_F(ClusteringCycle, TakesBackLargeIdsAndClustersWithoutAFeature) {
+  // Six queued faces: ids up to INT_MAX - 8 leave room for the new clusters.
+  // Cluster 5 has no feature (featureDim 0, as the library hands out a
+  // cluster whose representative ran out of memory): nothing is compared
+  // with it, so a null feature is never read, and it keeps its place.
+  const int big = INT_MAX - 8;
+  std::vector<float> f10 = taggedFeature(10);
+  int idsBig[] = {10}, ids5[] = {50, 51};
+  itf_xvk_clusteritem items[] = {{big, 1, idsBig, 960, f10.data(), 10},
+                                 {5, 2, ids5, 0, nullptr, 0}};
+  itf_xvk_clusterinfo existing = {2, items};
+  Load({13, 14, 15, 20, 21, 30});
+  ASSERT_EQ(Run(&existing), 1);
+  EXPECT_EQ(ClusterIds(), (Ids{-1, 0, 1, 2}));
+  EXPECT_EQ(MembersOf(-1), Ids{30});
+  EXPECT_EQ(MembersOf(0), (Ids{50, 51}));
+  EXPECT_EQ(result.items[1].featureDim, 0);
+  EXPECT_EQ(MembersOf(1), (Ids{10, 13, 14, 15}));
+  EXPECT_EQ(MembersOf(2), (Ids{20, 21}));
+
+  // The result goes back in as it came out.
+  itf_xvk_clusterinfo previous = result;
+  result = {0, nullptr};
+  Load({52});
+  EXPECT_EQ(Run(&previous), 1);
+  handle.itf_xvk_releaseClusterInfo(&previous);
+  EXPECT_EQ(MembersOf(0), (Ids{50, 51}));
+  EXPECT_EQ(MembersOf(-1), (Ids{30, 52}));
+}
+
+TEST_F(ClusteringCycle, ARowWithoutAFaceRecordIsLeftOutOfTheRun) {
+  // The state an "add face" allocation failure leaves: a last row with no
+  // face record. Rows loaded after it, smaller (20, 21) or greater (30),
+  // keep their own ids, and the row itself is clustered nowhere.
+  Load({10, 11});
+  handle.engine->featureMats[0].rows.push_back(taggedFeature(22));
+  Load({12, 20, 21, 30});
+  ASSERT_EQ(Run(nullptr), 1);
+  EXPECT_EQ(MembersOf(0), (Ids{10, 11, 12}));
+  EXPECT_EQ(MembersOf(1), (Ids{20, 21}));
+  EXPECT_EQ(MembersOf(-1), Ids{30});
+  for (int i = 1; i < result.count; ++i) {
+    const itf_xvk_clusteritem& item = result.items[i];
+    EXPECT_EQ(std::vector<float>(item.feature, item.feature + 960), taggedFeature(item.repFaceId));
+  }
 }
 
 TEST_F(ClusteringCycle, ReadingAndReleasingTheResult) {
@@ -207,8 +255,13 @@ TEST_F(ClusteringCycle, RunningOutOfMemoryIsLoggedAndNeverEscapes) {
       [&] { status = handle.itf_xvk_runClustering(&existing); },
       [&](const std::string& last) {
         Read();
-        if (status == 0) {
+        if (status == 0) {  // escaped: the handle is as before the run
           EXPECT_EQ(last.rfind("itf_xvk_runClustering failed", 0), 0u) << last;
+          EXPECT_EQ(ClusterIds(), Ids{-1});
+          EXPECT_EQ(handle.engine->faces.size(), 7u);
+          ASSERT_EQ(Run(&existing), 1);
+          EXPECT_EQ(ClusterIds(), (Ids{-1, 0, 1, 2}));
+          EXPECT_EQ(MembersOf(0), (Ids{1, 2, 13, 14, 15}));
         }
         if (restoring.count(last)) {  // the clusters before linking, not renumbered
           EXPECT_EQ(ClusterIds(), (Ids{-1, 3, 7, 8, 9})) << last;

@@ -99,4 +99,56 @@ TEST_F(FaceRecognitionLifecycle, AFailedInitStopsAtOnceAndKeepsWhatItHadNotReach
   EXPECT_EQ(handle.featureBuffer, buffer);
 }
 
+// Every operation that needs the handle's objects, with the failure value
+// it must return on a handle that is not ready. Features are real, so only
+// the handle's state can make them fail.
+int failuresOnNotReadyHandle(FaceRecognition& handle) {
+  std::vector<float> feature(2 * 960, 0.5f);
+  std::vector<unsigned char> frame(12, 100);
+  itf_xvk_faceroi roi = {0, 0, 4, 2};
+  itf_xvk_clusteritem item = {0, 0, nullptr, 960, feature.data(), 0};
+  itf_xvk_clusterinfo list = {1, &item};
+  itf_xvk_clusterinfo out = {7, nullptr};
+  int failures = 0;
+  failures += handle.itf_xvk_loadFaceFeature(feature.data(), 1) == -1;
+  failures += handle.itf_xvk_runClustering(nullptr) == 0;
+  failures += handle.itf_xvk_runClustering(&list) == 0;
+  failures += handle.itf_xvk_getClusterInfo(&out) == 0 && out.count == 0;
+  failures += handle.itf_xvk_getClusterFeature(feature.data(), 2) == nullptr;
+  failures += handle.itf_xvk_recommendCluster(&list, feature.data(), 0) == -1;
+  failures += handle.itf_xvk_extractFeature(frame.data(), 12, 4, 2, roi) == nullptr;
+  failures += handle.itf_xvk_extractFeature(frame.data(), 12, 4, 2, roi, nullptr) == nullptr;
+  failures += handle.itf_xvk_compareFeature(feature.data(), feature.data()) == -1;
+  return failures;
+}
+constexpr int kOperations = 9;
+
+TEST(NotReadyHandle, EveryOperationFailsWithOneLineAndTouchesNothing) {
+  // {Init first, then Release, then an Init whose recognizer / detector
+  // returns these}. In the last two the earlier engine points at the
+  // recognizer the failed Init deleted.
+  const int states[][4] = {{0, 0, 1, 1}, {1, 1, 1, 1}, {1, 0, -2, 1}, {1, 0, 1, 0}};
+  for (const auto& state : states) {
+    FaceRecognition handle;
+    if (state[0]) {
+      EXPECT_EQ(handle.itf_xvk_Init("/a"), 960);
+    }
+    if (state[1]) handle.itf_xvk_Release();
+    scripted().recognizerInitResult = state[2];
+    scripted().landmarkInitResult = state[3];
+    if (state[2] < 1 || state[3] < 1) {
+      EXPECT_LT(handle.itf_xvk_Init("/b"), 1);
+    }
+    scripted().events.clear();
+    LogCapture log;
+    EXPECT_EQ(failuresOnNotReadyHandle(handle), kOperations);
+    EXPECT_EQ(log.lines.size(), static_cast<size_t>(kOperations));
+    EXPECT_TRUE(scripted().events.empty() && scripted().landmarkCalls.empty() &&
+                scripted().comparisons.empty());
+    scripted().recognizerInitResult = scripted().landmarkInitResult = 1;
+    EXPECT_EQ(handle.itf_xvk_Init("/c"), 960);
+    handle.itf_xvk_Release();
+  }
+}
+
 }  // namespace

@@ -86,8 +86,15 @@ TEST_F(FeatureExtraction, RejectsUnreadableFramesBeforeAnyLibraryCall) {
   const int widths[] = {4, 0, 4, 4, 5, 65536, 40000};
   const int heights[] = {2, 2, -1, 2, 3, 65536, 25000};
   for (int i = 0; i < 7; ++i) EXPECT_EQ(extract(lengths[i], widths[i], heights[i]), nullptr) << i;
-  EXPECT_EQ(log.messages(), std::vector<std::string>(8, "Invalid Image Data"));
+  // Face rectangles whose right or bottom edge is past the int range.
+  for (const itf_xvk_faceroi bad :
+       {itf_xvk_faceroi{INT_MAX, 0, 1, 1}, {0, INT_MAX - 1, 1, 2}, {INT_MIN, 0, -1, 1}}) {
+    roi = bad;
+    EXPECT_EQ(extract(), nullptr) << bad.left << " " << bad.top;
+  }
+  EXPECT_EQ(log.messages(), std::vector<std::string>(11, "Invalid Image Data"));
   EXPECT_TRUE(scripted().landmarkCalls.empty());
+  roi = {INT_MAX - 1, INT_MIN, 1, 0};  // edges at the limits
   frame.assign(27, 128);  // exactly 5 x 3
   EXPECT_NE(extract(27, 5, 3), nullptr);
 }

@@ -10,10 +10,10 @@ long counted = 0;
 int suspendDepth = 0;
 
 void* allocate(std::size_t size) {
-  if (suspendDepth == 0) {
-    ++counted;
-    if (countdown > 0 && --countdown == 0) throw std::bad_alloc();
-  }
+  if (alloc_failure::nextAllocationFails()) throw std::bad_alloc();
+  // The block itself is not one more allocation of the code under test
+  // where malloc is counted too (malloc_failure.cc).
+  alloc_failure::Suspended inside;
   void* p = std::malloc(size == 0 ? 1 : size);
   if (p == nullptr) throw std::bad_alloc();
   return p;
@@ -35,6 +35,14 @@ void failNth(long n) { countdown = n > 0 ? n : 0; }
 
 void disarm() { countdown = 0; }
 
+bool nextAllocationFails() {
+  if (suspendDepth > 0) return false;
+  ++counted;
+  return countdown > 0 && --countdown == 0;
+}
+
+long allocationsSoFar() { return counted; }
+
 long countAllocations(const std::function<void()>& body) {
   const long before = counted;
   body();
@@ -43,6 +51,9 @@ long countAllocations(const std::function<void()>& body) {
 
 Suspended::Suspended() { ++suspendDepth; }
 Suspended::~Suspended() { --suspendDepth; }
+
+Resumed::Resumed() : savedDepth_(suspendDepth) { suspendDepth = 0; }
+Resumed::~Resumed() { suspendDepth = savedDepth_; }
 
 }  // namespace alloc_failure
 

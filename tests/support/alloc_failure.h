@@ -1,6 +1,8 @@
 // Test-only allocation-failure injector. The test binary replaces the global
 // operator new; a test can count the allocations of a piece of code and make
-// a chosen one of them throw std::bad_alloc.
+// a chosen one of them throw std::bad_alloc. A binary that also links
+// malloc_failure.cc with -Wl,--wrap=malloc,--wrap=calloc counts the malloc
+// and calloc calls of its own code too, and a failing one returns null.
 //
 //   long n = alloc_failure::countAllocations([&] { engine.init(&recognizer); });
 //   for (long k = 1; k <= n; ++k) {
@@ -20,6 +22,12 @@ namespace alloc_failure {
 void failNth(long n);
 void disarm();
 
+// Counts one allocation; true when it is the one that must fail.
+bool nextAllocationFails();
+
+// Allocations counted since the program started.
+long allocationsSoFar();
+
 // Runs `body` and returns how many allocations it made.
 long countAllocations(const std::function<void()>& body);
 
@@ -32,6 +40,19 @@ class Suspended {
   ~Suspended();
   Suspended(const Suspended&) = delete;
   Suspended& operator=(const Suspended&) = delete;
+};
+
+// Inside a Suspended scope, counts again while one of these lives: a test
+// suspends its own allocations and resumes around the calls it sweeps.
+class Resumed {
+ public:
+  Resumed();
+  ~Resumed();
+  Resumed(const Resumed&) = delete;
+  Resumed& operator=(const Resumed&) = delete;
+
+ private:
+  int savedDepth_;
 };
 
 }  // namespace alloc_failure

@@ -51,9 +51,11 @@ void record(const std::string& event) {
   scripted().events.push_back(event);
 }
 
-std::string initEvent(const char* library, int value, const char* modelPath) {
-  return std::string(library) + " Init " + std::to_string(value) + " " +
-         (modelPath ? modelPath : "(null)");
+// The event text is built inside the scope too: it is the doubles' own.
+void recordInit(const char* library, int value, const char* modelPath) {
+  Unrecorded scope;
+  record(std::string(library) + " Init " + std::to_string(value) + " " +
+         (modelPath ? modelPath : "(null)"));
 }
 
 }  // namespace
@@ -62,7 +64,7 @@ CFRecogInterface::CFRecogInterface() : state_(nullptr) { record("FR ctor"); }
 CFRecogInterface::~CFRecogInterface() { record("FR dtor"); }
 
 int CFRecogInterface::Init(int featureDim, const char* modelPath) {
-  record(initEvent("FR", featureDim, modelPath));
+  recordInit("FR", featureDim, modelPath);
   return scripted().recognizerInitResult;
 }
 
@@ -95,7 +97,7 @@ CLandmarkInterface::CLandmarkInterface() : state(nullptr), landmarks(nullptr) { 
 CLandmarkInterface::~CLandmarkInterface() { record("LD dtor"); }
 
 int CLandmarkInterface::Init(int mode, const char* modelPath) {
-  record(initEvent("LD", mode, modelPath));
+  recordInit("LD", mode, modelPath);
   return scripted().landmarkInitResult;
 }
 

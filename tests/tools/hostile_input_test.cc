@@ -1,0 +1,143 @@
+// Inputs chosen to break the program: sizes past int, special files, values
+// past float32, sources that never end. Each gets a clear error or a sane run.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <limits>
+
+#include "process.h"
+#include "tools/atomic_file.h"
+#include "tools/cluster_json.h"
+#include "tools/feature_file.h"
+#include "tools/gallery.h"
+#include "tools/tool_error.h"
+
+namespace tool {
+namespace {
+
+using tool_test::ProcessResult;
+using tool_test::runProgram;
+
+class HostileInputTest : public testing::Test {
+ protected:
+  std::string Path(const std::string& name) const { return folder_.path(name); }
+  // Five faces: two people of two faces and one lone face.
+  std::string Features() {
+    writeFeatures(Path("f.npy"), makeGallery({7, 2, 2, 2, 0, 1, 0}).features);
+    return Path("f.npy");
+  }
+
+  tool_test::TempFolder folder_;
+};
+
+// A batch size at or above the face count is one run; one past int is a
+// command-line mistake.
+TEST_F(HostileInputTest, BatchSizesPastTheFaceCountAreOneRun) {
+  const std::string features = Features();
+  ASSERT_EQ(runProgram({"-q", "cluster", features, "-o", Path("one.json")}).exitCode, 0);
+  const struct {
+    const char* batchSize;
+    int exitCode;
+  } cases[] = {{"5", 0}, {"2147483647", 0}, {"2147483648", 2}, {"99999999999999999999", 2}};
+  for (const auto& c : cases) {
+    const ProcessResult run =
+        runProgram({"-q", "cluster", features, "--batch-size", c.batchSize, "-o", Path("b.json")});
+    EXPECT_EQ(run.exitCode, c.exitCode) << c.batchSize << ": " << run.err;
+    if (c.exitCode == 0) {
+      EXPECT_EQ(readWholeFile(Path("b.json")), readWholeFile(Path("one.json"))) << c.batchSize;
+    } else {
+      EXPECT_NE(run.err.find("--batch-size"), std::string::npos) << run.err;
+    }
+  }
+}
+
+// Output to a device or a pipe is written into it, never renamed over it; a
+// full device is a failed run.
+TEST_F(HostileInputTest, SpecialOutputFilesAreWrittenInPlace) {
+  const std::string features = Features();
+  const std::string fifo = Path("pipe");
+  ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+  // Opened for reading first, so that the program's open for writing does not wait.
+  const int reader = open(fifo.c_str(), O_RDONLY | O_NONBLOCK);
+  ASSERT_GE(reader, 0);
+  const ProcessResult piped = runProgram({"-q", "representative", features, "-o", fifo});
+  EXPECT_EQ(piped.exitCode, 0) << piped.err;
+  char buffer[8192];
+  EXPECT_EQ(read(reader, buffer, sizeof buffer), 3840);
+  close(reader);
+
+  const ProcessResult full = runProgram({"-q", "representative", features, "-o", "/dev/full"});
+  EXPECT_EQ(full.exitCode, 1);
+  EXPECT_NE(full.err.find("xvkfc: error: /dev/full: cannot write"), std::string::npos) << full.err;
+
+  struct stat status;
+  ASSERT_EQ(stat(fifo.c_str(), &status), 0);
+  EXPECT_TRUE(S_ISFIFO(status.st_mode));
+  ASSERT_EQ(stat("/dev/full", &status), 0);
+  EXPECT_TRUE(S_ISCHR(status.st_mode));
+  EXPECT_EQ(folder_.entries(), 2) << "a temporary file was left behind";
+}
+
+// Reading stops at the limit, before it for a regular file that claims more,
+// and a value that only a double can hold is refused.
+TEST_F(HostileInputTest, InputsPastTheirLimitsAreRefused) {
+  const std::string big = folder_.write("big.f32", std::string(2 * 3840, '\0'));
+  const struct {
+    std::string path;
+    size_t limit;
+    bool fits;
+  } reads[] = {{"/dev/zero", 1 << 20, false}, {big, 3840, false}, {big, 2 * 3840, true}};
+  for (const auto& r : reads) {
+    if (r.fits) {
+      EXPECT_EQ(readWholeFile(r.path, r.limit).size(), r.limit) << r.path;
+      continue;
+    }
+    try {
+      readWholeFile(r.path, r.limit);
+      ADD_FAILURE() << r.path << " read past " << r.limit;
+    } catch (const ToolError& e) {
+      EXPECT_NE(std::string(e.what()).find("larger than the " + std::to_string(r.limit)),
+                std::string::npos)
+          << e.what();
+    }
+  }
+
+  std::string feature = "[1e39";
+  for (int i = 1; i < kFeatureDim; ++i) feature += ",0";
+  const std::string json = R"({"clusters": [{"cluster_id": 0, "face_ids": [1],)"
+                           R"( "representative_face_id": 1, "representative_feature": )" +
+                           feature + "]}]}";
+  EXPECT_THROW(clustersFromJson(json, "x.json"), ToolError);
+  // The largest float, as nine digits write it, still reads back.
+  feature.replace(1, 4, "3.40282347e+38");
+  const std::string largest = R"({"clusters": [{"cluster_id": 0, "face_ids": [1],)"
+                              R"( "representative_face_id": 1, "representative_feature": )" +
+                              feature + "]}]}";
+  EXPECT_EQ(clustersFromJson(largest, "x.json")[0].feature[0],
+            std::numeric_limits<float>::max());
+}
+
+// Sizes and rectangles whose sums or products pass int are refused with a
+// reason before any of it is computed in int.
+TEST_F(HostileInputTest, ExtractSizesPastIntAreRefused) {
+  const std::string image = folder_.write("i.yuv", std::string(4 * 4 + 2 * 2 * 2, '\x80'));
+  const struct {
+    const char *size, *face, *expected;
+    int exitCode;  // a rectangle off the image is a command-line mistake
+  } cases[] = {
+      {"4x4", "2147483647,0,2147483647,1", "does not lie inside the 4x4 image", 2},
+      {"4x4", "0,2,1,2147483647", "does not lie inside", 2},
+      {"2147483647x2147483647", "0,0,1,1", "more than the 1073741824", 1},
+  };
+  for (const auto& c : cases) {
+    const ProcessResult run =
+        runProgram({"extract", image, "--size", c.size, "--face", c.face, "-o", Path("x.npy")});
+    EXPECT_EQ(run.exitCode, c.exitCode) << c.face;
+    EXPECT_NE(run.err.find(c.expected), std::string::npos) << run.err;
+  }
+}
+
+}  // namespace
+}  // namespace tool
