@@ -14,7 +14,7 @@ install(TARGETS ${_targets}
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
   RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 
-foreach(dir interface numeric clustering)
+foreach(dir interface numeric clustering planning)
   install(DIRECTORY ${dir}/ DESTINATION include/xvkfc/${dir}
           FILES_MATCHING PATTERN "*.h" PATTERN "detail" EXCLUDE)
 endforeach()
