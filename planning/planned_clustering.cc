@@ -148,7 +148,7 @@ int clusterInPlannedRuns(FaceRecognition* handle, const float* features, const i
     PlannedClusteringStats totals;
     ResultList current(h);
     AsideLists aside(h);
-    bool haveResult = false;  // until the first fed run, the base is `existing`
+    bool haveResult = false;  // until the first run, the clusters are `existing`
 
     std::vector<int> pending(count);  // rows of `features` still to place
     for (int i = 0; i < count; ++i) pending[i] = i;
@@ -183,22 +183,30 @@ int clusterInPlannedRuns(FaceRecognition* handle, const float* features, const i
           runIds.push_back(pendingIds[row]);
           h.itf_xvk_loadFaceFeature(&rows[static_cast<std::size_t>(row) * kDim], runIds.back());
         }
-        // Runs before the round's last are clustered on their own: a planned
-        // run rarely shares a person with another, and feeding every run all
+        // The first run starts from the application's clusters. Later runs
+        // before the round's last are clustered on their own: a planned run
+        // rarely shares a person with another, and feeding every run all
         // clusters so far would cost a comparison per pair of clusters per
-        // run. The last run is fed everything, which links the round's
-        // clusters with each other and with the clusters of before.
+        // run. The round's last run is fed everything, which links the
+        // round's clusters with each other and with the clusters of before.
         const bool last = run + 1 == runs;
-        itf_xvk_clusterinfo fed{0, nullptr};
-        if (last) fed = combine(haveResult ? current.get() : existing, aside.lists(), items, bucket);
-        if (h.itf_xvk_runClustering(&fed) != 1) {
+        itf_xvk_clusterinfo none{0, nullptr}, fed = none;
+        itf_xvk_clusterinfo* input = &none;
+        if (!haveResult) {
+          input = existing;
+        } else if (last) {
+          fed = combine(current.get(), aside.lists(), items, bucket);
+          input = &fed;
+        }
+        if (h.itf_xvk_runClustering(input) != 1) {
           // Only the application's clusters can be malformed; drop the
           // queued faces (a count of 1 queues nothing) so nothing is left.
           std::free(h.itf_xvk_getClusterFeature(rows.data(), 1));
           detail::logDebug("clusterInPlannedRuns: the existing clusters were rejected");
           return -1;
         }
-        if (last) {
+        const bool fedRun = input != &none;
+        if (fedRun) {
           current.read();
           aside.clear();
           haveResult = true;
@@ -209,7 +217,7 @@ int clusterInPlannedRuns(FaceRecognition* handle, const float* features, const i
         if (observe) {
           observe(PlannedRunInfo{round, run + 1, runs, runIds.data(),
                                  static_cast<int>(runIds.size()),
-                                 last ? current.get() : &aside.lists().back()});
+                                 fedRun ? current.get() : &aside.lists().back()});
         }
       }
 
