@@ -32,9 +32,9 @@ int64_t comparatorCalls = 0;
 
 // CFRecogInterface::RunComparison(float*, float*), counted.
 extern "C" float __real__ZN16CFRecogInterface13RunComparisonEPfS0_(CFRecogInterface*, float*,
-                                                                  float*);
-extern "C" float __wrap__ZN16CFRecogInterface13RunComparisonEPfS0_(CFRecogInterface* self,
-                                                                  float* a, float* b) {
+                                                                   float*);
+extern "C" float __wrap__ZN16CFRecogInterface13RunComparisonEPfS0_(CFRecogInterface* self, float* a,
+                                                                   float* b) {
   ++comparatorCalls;
   return __real__ZN16CFRecogInterface13RunComparisonEPfS0_(self, a, b);
 }
@@ -56,8 +56,7 @@ std::vector<tool::ClusterRecord> toRecords(const itf_xvk_clusterinfo& list) {
   for (int i = 0; i < list.count; ++i) {
     tool::ClusterRecord record;
     record.id = list.items[i].clusterId;
-    record.faceIds.assign(list.items[i].faceIds,
-                          list.items[i].faceIds + list.items[i].faceCount);
+    record.faceIds.assign(list.items[i].faceIds, list.items[i].faceIds + list.items[i].faceCount);
     records.push_back(std::move(record));
   }
   return records;
@@ -78,8 +77,8 @@ Outcome runInOrder(FaceRecognition& handle, const tool::Gallery& gallery,
     const std::size_t end = std::min(order.size(), begin + runSize);
     for (std::size_t k = begin; k < end; ++k) {
       const int row = order[k];
-      handle.itf_xvk_loadFaceFeature(
-          const_cast<float*>(gallery.features.row(row)), gallery.faceIds[row]);
+      handle.itf_xvk_loadFaceFeature(const_cast<float*>(gallery.features.row(row)),
+                                     gallery.faceIds[row]);
     }
     handle.itf_xvk_runClustering(outcome.runs == 0 ? nullptr : &current);
     handle.itf_xvk_releaseClusterInfo(&current);
@@ -93,8 +92,7 @@ Outcome runInOrder(FaceRecognition& handle, const tool::Gallery& gallery,
   return outcome;
 }
 
-Outcome runPlanned(FaceRecognition& handle, const tool::Gallery& gallery, int runSize,
-                   int rounds) {
+Outcome runPlanned(FaceRecognition& handle, const tool::Gallery& gallery, int runSize, int rounds) {
   Outcome outcome;
   const int64_t callsBefore = comparatorCalls;
   const auto start = std::chrono::steady_clock::now();
@@ -122,14 +120,15 @@ void printRow(const char* name, const Outcome& outcome, const tool::Gallery& gal
       tool::clusterOfFaces(outcome.clusters, gallery.faceIds), gallery.identities);
   int clusters = 0, unclustered = 0;
   for (const tool::ClusterRecord& c : outcome.clusters) {
-    if (c.id >= 0) ++clusters;
-    else unclustered += static_cast<int>(c.faceIds.size());
+    if (c.id >= 0)
+      ++clusters;
+    else
+      unclustered += static_cast<int>(c.faceIds.size());
   }
-  std::printf(
-      "| %-16s | %.3f %.3f %.3f | %.3f %.3f %.3f | %5d | %5d | %4d/%d | %11lld | %7.1f |\n", name,
-      q.pairwise.precision, q.pairwise.recall, q.pairwise.f, q.bcubed.precision,
-      q.bcubed.recall, q.bcubed.f, clusters, unclustered, outcome.runs, outcome.rounds,
-      static_cast<long long>(outcome.calls), outcome.seconds);
+  std::printf("| %-16s | %.3f %.3f %.3f | %.3f %.3f %.3f | %5d | %5d | %4d/%d | %11lld | %7.1f |\n",
+              name, q.pairwise.precision, q.pairwise.recall, q.pairwise.f, q.bcubed.precision,
+              q.bcubed.recall, q.bcubed.f, clusters, unclustered, outcome.runs, outcome.rounds,
+              static_cast<long long>(outcome.calls), outcome.seconds);
   std::fflush(stdout);
 }
 
@@ -190,11 +189,12 @@ int main(int argc, char** argv) {
   }
   for (int faces : sizes) {
     const tool::Gallery gallery = benchGallery(faces);
-    const int people =
-        static_cast<int>(std::set<int>(gallery.identities.begin(), gallery.identities.end()).size());
-    std::printf("\n%d faces of %d people (noise 0.3 to %.2f, %d%% look-alikes), runs of %d, up to %d "
-                "rounds\n",
-                gallery.features.rows(), people, maxNoise, lookAlikesPer100People, runSize, rounds);
+    const int people = static_cast<int>(
+        std::set<int>(gallery.identities.begin(), gallery.identities.end()).size());
+    std::printf(
+        "\n%d faces of %d people (noise 0.3 to %.2f, %d%% look-alikes), runs of %d, up to %d "
+        "rounds\n",
+        gallery.features.rows(), people, maxNoise, lookAlikesPer100People, runSize, rounds);
     std::printf(
         "| way              | pairwise P R F    | BCubed P R F      | clust | uncl. | runs/rd | "
         "comparisons | seconds |\n");

@@ -113,14 +113,14 @@ itf_xvk_clusterinfo combine(const itf_xvk_clusterinfo* base,
   if (base != nullptr && base->count > 0) take(*base, false);
   for (const itf_xvk_clusterinfo& list : aside) take(list, true);
   if (hasBucket) {
-    items.push_back(itf_xvk_clusteritem{-1, static_cast<int>(bucket.size()), bucket.data(), 0,
-                                        nullptr, -1});
+    items.push_back(
+        itf_xvk_clusteritem{-1, static_cast<int>(bucket.size()), bucket.data(), 0, nullptr, -1});
   }
   return itf_xvk_clusterinfo{static_cast<int>(items.size()), items.data()};
 }
 
-const char* rejection(FaceRecognition* handle, const float* features, const int* faceIds,
-                      int count, int runSize, int maxRounds, itf_xvk_clusterinfo* result) {
+const char* rejection(FaceRecognition* handle, const float* features, const int* faceIds, int count,
+                      int runSize, int maxRounds, itf_xvk_clusterinfo* result) {
   if (handle == nullptr) return "null handle";
   if (features == nullptr) return "null features";
   if (faceIds == nullptr) return "null face ids";
@@ -139,8 +139,7 @@ int clusterInPlannedRuns(FaceRecognition* handle, const float* features, const i
                          itf_xvk_clusterinfo* result, PlannedClusteringStats* stats,
                          const std::function<void(const PlannedRunInfo&)>& observe) {
   return detail::guardPublicCall("clusterInPlannedRuns", -1, [&] {
-    if (const char* why =
-            rejection(handle, features, faceIds, count, runSize, maxRounds, result)) {
+    if (const char* why = rejection(handle, features, faceIds, count, runSize, maxRounds, result)) {
       detail::logDebug("clusterInPlannedRuns: rejected: %s", why);
       return -1;
     }

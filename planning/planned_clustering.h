@@ -10,8 +10,8 @@
 #include <functional>
 
 #include "interface/exchange_records.h"
-#include "platform/export.h"
 #include "planning/run_plan.h"
+#include "platform/export.h"
 
 class FaceRecognition;
 
@@ -22,18 +22,18 @@ inline constexpr int kDefaultRounds = 3;
 
 // What one engine run of clusterInPlannedRuns did, for progress and quality.
 struct PlannedRunInfo {
-  int round = 0;                         // 1-based
-  int run = 0;                           // 1-based within the round
-  int runsInRound = 0;                   // runs the round's plan holds
-  const int* faceIds = nullptr;          // the faces loaded for this run
+  int round = 0;                 // 1-based
+  int run = 0;                   // 1-based within the round
+  int runsInRound = 0;           // runs the round's plan holds
+  const int* faceIds = nullptr;  // the faces loaded for this run
   int faceCount = 0;
   const itf_xvk_clusterinfo* clusters = nullptr;  // the result after the run
 };
 
 struct PlannedClusteringStats {
-  int rounds = 0;                // rounds run
-  int runs = 0;                  // engine runs over all rounds
-  int64_t planComparisons = 0;   // comparator calls of the plans (the engine's not included)
+  int rounds = 0;               // rounds run
+  int runs = 0;                 // engine runs over all rounds
+  int64_t planComparisons = 0;  // comparator calls of the plans (the engine's not included)
 };
 
 // Clusters `count` new faces (features: count x 960 floats, row-major;
@@ -57,12 +57,10 @@ struct PlannedClusteringStats {
 // part way (the handle's last result is then that of the last run done).
 // REQUIRES: face ids unique and not already in `existing`; no faces queued
 // on the handle (they would join the first run).
-XVKFC_EXPORT int clusterInPlannedRuns(FaceRecognition* handle, const float* features,
-                                      const int* faceIds, int count,
-                                      itf_xvk_clusterinfo* existing, int runSize, int maxRounds,
-                                      itf_xvk_clusterinfo* result,
-                                      PlannedClusteringStats* stats = nullptr,
-                                      const std::function<void(const PlannedRunInfo&)>& observe =
-                                          nullptr);
+XVKFC_EXPORT int clusterInPlannedRuns(
+    FaceRecognition* handle, const float* features, const int* faceIds, int count,
+    itf_xvk_clusterinfo* existing, int runSize, int maxRounds, itf_xvk_clusterinfo* result,
+    PlannedClusteringStats* stats = nullptr,
+    const std::function<void(const PlannedRunInfo&)>& observe = nullptr);
 
 #endif  // XVKFC_PLANNING_PLANNED_CLUSTERING_H_

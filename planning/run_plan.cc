@@ -148,7 +148,8 @@ std::vector<int> groupByProfiles(Scorer& score, int n, Groups& groups) {
       best.insert(std::upper_bound(best.begin(), best.end(), entry), entry);
       if (best.size() > kCandidates) best.pop_back();
     }
-    for (const auto& entry : best) pairs.emplace_back(std::min(i, entry.second), std::max(i, entry.second));
+    for (const auto& entry : best)
+      pairs.emplace_back(std::min(i, entry.second), std::max(i, entry.second));
   }
   std::sort(pairs.begin(), pairs.end());
   pairs.erase(std::unique(pairs.begin(), pairs.end()), pairs.end());

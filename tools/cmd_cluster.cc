@@ -4,8 +4,10 @@
 #include <memory>
 #include <set>
 
+#include "planning/run_plan.h"
 #include "tools/batch_run.h"
 #include "tools/commands.h"
+#include "tools/planned_run.h"
 #include "tools/report.h"
 #include "tools/tool_error.h"
 
@@ -15,6 +17,8 @@ namespace {
 struct ClusterOptions {
   std::string features, ids, existing, output, labels, report;
   int batchSize = 0;
+  bool inOrder = false;
+  int rounds = 0;
 };
 
 void rejectKnownFaces(const std::vector<int>& faceIds, const std::vector<ClusterRecord>& existing,
@@ -53,14 +57,40 @@ int runCluster(const ClusterOptions& options, const GlobalOptions& global) {
     batches.push_back(summary);
     progress.note(describe(summary));
   };
-  const std::vector<ClusterRecord> clusters =
-      clusterInBatches(session, features, faceIds, std::move(existing), plan, progress);
+  // More faces than one run should take go in planned runs unless asked
+  // for arrival order.
+  const int runSize = options.batchSize > 0 ? options.batchSize : kDefaultRunSize;
+  const bool planned = !options.inOrder && features.rows() > runSize;
+  int plannedRuns = 0;
+  std::vector<ClusterRecord> clusters;
+  if (planned) {
+    PlannedRunOptions plannedOptions;
+    plannedOptions.runSize = runSize;
+    plannedOptions.rounds = options.rounds;
+    plannedOptions.identities = plan.identities;
+    plannedOptions.onRound = [&](const RunSummary& summary, int runs) {
+      batches.push_back(summary);
+      progress.note(describeRound(summary, runs));
+    };
+    clusters =
+        clusterPlanned(session, features, faceIds, existing, plannedOptions, progress, plannedRuns);
+  } else {
+    clusters = clusterInBatches(session, features, faceIds, std::move(existing), plan, progress);
+  }
 
   writeClusters(options.output, clusters);
   const RunSummary& last = batches.back();
-  std::printf("%d faces clustered in %zu batch%s: %d clusters, %d unclustered faces\n",
-              features.rows(), batches.size(), batches.size() == 1 ? "" : "es", last.clusters,
-              last.unclustered);
+  if (planned) {
+    std::printf(
+        "%d faces clustered in %d planned runs (%zu round%s): %d clusters, %d unclustered "
+        "faces\n",
+        features.rows(), plannedRuns, batches.size(), batches.size() == 1 ? "" : "s", last.clusters,
+        last.unclustered);
+  } else {
+    std::printf("%d faces clustered in %zu batch%s: %d clusters, %d unclustered faces\n",
+                features.rows(), batches.size(), batches.size() == 1 ? "" : "es", last.clusters,
+                last.unclustered);
+  }
   if (last.quality) std::printf("quality: %s\n", describe(*last.quality).c_str());
   std::printf("clusters written to %s\n", options.output.c_str());
 
@@ -87,8 +117,10 @@ Command addClusterCommand(CLI::App& app, const GlobalOptions& global) {
       app.add_subcommand("cluster", "Cluster features from a file and write the clusters (JSON)");
   sub->footer(
       "Give the clusters file of an earlier run with --existing to add a new batch of faces to "
-      "it, as a photo application does; --batch-size splits FEATURES into successive runs, each "
-      "fed the previous result. Progress goes to standard error, the summary to standard output.");
+      "it, as a photo application does. More faces than one run takes (64, or --batch-size) are "
+      "clustered in planned runs: faces that resemble each other run together, round after "
+      "round; --in-order runs them in file order instead. Progress goes to standard error, the "
+      "summary to standard output.");
   sub->add_option("FEATURES", options->features,
                   "Features: .npy (float32, shape N x 960) or raw little-endian float32 "
                   "(N x 960 values)")
@@ -106,9 +138,15 @@ Command addClusterCommand(CLI::App& app, const GlobalOptions& global) {
                   "already has")
       ->type_name("FILE");
   sub->add_option("--batch-size", options->batchSize,
-                  "Cluster N faces per run, in file order, each run fed the previous result "
-                  "(default 0: all in one run)")
+                  "Faces per run (default 0: 64 in planned runs, all at once with --in-order)")
       ->check(CLI::NonNegativeNumber);
+  sub->add_flag("--in-order", options->inOrder,
+                "Run the faces in file order, --batch-size at a time, each run fed the previous "
+                "result, instead of in planned runs of faces that resemble each other");
+  sub->add_option("--rounds", options->rounds,
+                  "Planned runs: rounds at most; each later round feeds the faces still "
+                  "unclustered again (default 3)")
+      ->check(CLI::PositiveNumber);
   sub->add_option("--labels", options->labels,
                   "Known identity of each feature (same formats as --ids): prints pairwise and "
                   "BCubed precision, recall and F-score")

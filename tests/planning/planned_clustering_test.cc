@@ -53,8 +53,8 @@ class PlannedClusteringTest : public testing::Test {
     std::vector<Cluster> clusters;
     for (int i = 0; i < list.count; ++i) {
       const itf_xvk_clusteritem& item = list.items[i];
-      clusters.push_back({item.clusterId, Ids(item.faceIds, item.faceIds + item.faceCount),
-                          item.repFaceId});
+      clusters.push_back(
+          {item.clusterId, Ids(item.faceIds, item.faceIds + item.faceCount), item.repFaceId});
     }
     handle.itf_xvk_releaseClusterInfo(&list);
     return clusters;
@@ -69,7 +69,8 @@ class PlannedClusteringTest : public testing::Test {
   }
 
   FaceRecognition handle;
-  const Ids tags = {33, 20, 104, 11, 31, 25, 22, 50, 10, 30, 35, 21, 13, 32, 15, 12, 23, 34, 24, 14};
+  const Ids tags = {33, 20, 104, 11, 31, 25, 22, 50, 10, 30,
+                    35, 21, 13,  32, 15, 12, 23, 34, 24, 14};
   std::vector<float> features;
   std::vector<float> appFeature = taggedFeature(100);
   int appFaces[2] = {100, 101};
@@ -108,15 +109,16 @@ class ListOf {
 TEST_F(PlannedClusteringTest, SameClustersAsTheRunsByHand) {
   itf_xvk_clusterinfo planned{0, nullptr};
   PlannedClusteringStats stats;
-  ASSERT_EQ(clusterInPlannedRuns(&handle, features.data(), tags.data(),
-                                 static_cast<int>(tags.size()), &existing, 12, kDefaultRounds,
-                                 &planned, &stats),
-            5);
+  ASSERT_EQ(
+      clusterInPlannedRuns(&handle, features.data(), tags.data(), static_cast<int>(tags.size()),
+                           &existing, 12, kDefaultRounds, &planned, &stats),
+      5);
   const std::vector<Cluster> result = Take(planned);
   EXPECT_EQ(stats.rounds, 2);  // round 2 clusters nothing
   EXPECT_EQ(stats.runs, 4);
 
-  std::vector<Cluster> byHand = RunByHand({10, 11, 12, 13, 14, 15, 20, 21, 22, 23, 24, 25}, &existing);
+  std::vector<Cluster> byHand =
+      RunByHand({10, 11, 12, 13, 14, 15, 20, 21, 22, 23, 24, 25}, &existing);
   const std::vector<Cluster> second = RunByHand({30, 31, 32, 33, 34, 35}, nullptr);
   ASSERT_EQ(byHand.size(), 4u);
   ASSERT_EQ(second.size(), 1u);
@@ -144,13 +146,11 @@ TEST_F(PlannedClusteringTest, BadInputFailsWithOneLineAndChangesNothing) {
     int count, runSize, rounds;
     itf_xvk_clusterinfo* existing;
   };
-  const Case cases[] = {{nullptr, features.data(), n, 8, 1, nullptr},
-                        {&handle, nullptr, n, 8, 1, nullptr},
-                        {&handle, features.data(), 0, 8, 1, nullptr},
-                        {&handle, features.data(), n, 1, 1, nullptr},
-                        {&handle, features.data(), n, 8, 0, nullptr},
-                        {&notReady, features.data(), n, 8, 1, nullptr},
-                        {&handle, features.data(), n, 8, 1, &rejected}};
+  const Case cases[] = {
+      {nullptr, features.data(), n, 8, 1, nullptr},  {&handle, nullptr, n, 8, 1, nullptr},
+      {&handle, features.data(), 0, 8, 1, nullptr},  {&handle, features.data(), n, 1, 1, nullptr},
+      {&handle, features.data(), n, 8, 0, nullptr},  {&notReady, features.data(), n, 8, 1, nullptr},
+      {&handle, features.data(), n, 8, 1, &rejected}};
   for (const Case& c : cases) {
     itf_xvk_clusterinfo result{7, nullptr};
     testing_support::LogCapture log;

@@ -130,9 +130,10 @@ TEST_F(RunPlanTest, BadInputFailsWithOneLineAndLeavesThePlan) {
   };
   RunPlan plan;
   plan.order = {7};
-  const Case cases[] = {{nullptr, rows.data(), 3, 4, &plan},  {&handle, nullptr, 3, 4, &plan},
-                        {&handle, rows.data(), 0, 4, &plan},  {&handle, rows.data(), 3, 1, &plan},
-                        {&notReady, rows.data(), 3, 4, &plan}, {&handle, rows.data(), 3, 4, nullptr}};
+  const Case cases[] = {
+      {nullptr, rows.data(), 3, 4, &plan},   {&handle, nullptr, 3, 4, &plan},
+      {&handle, rows.data(), 0, 4, &plan},   {&handle, rows.data(), 3, 1, &plan},
+      {&notReady, rows.data(), 3, 4, &plan}, {&handle, rows.data(), 3, 4, nullptr}};
   for (const Case& c : cases) {
     testing_support::LogCapture log;
     EXPECT_EQ(planFaceRuns(c.handle, c.features, c.count, c.runSize, c.plan), -1);
