@@ -142,7 +142,6 @@ std::vector<int> groupByProfiles(Scorer& score, int n, Groups& groups) {
       const float* pj = &profiles[static_cast<std::size_t>(j) * refs];
       float dot = 0.0f;
       for (int r = 0; r < refs; ++r) dot += pi[r] * pj[r];
-      if (!(dot == dot)) continue;
       const std::pair<float, int> entry(-dot, j);
       if (best.size() == kCandidates && !(entry < best.back())) continue;
       best.insert(std::upper_bound(best.begin(), best.end(), entry), entry);
