@@ -27,7 +27,9 @@ struct PlannedRunInfo {
   int runsInRound = 0;           // runs the round's plan holds
   const int* faceIds = nullptr;  // the faces loaded for this run
   int faceCount = 0;
-  const itf_xvk_clusterinfo* clusters = nullptr;  // the result after the run
+  // The run's result: the current list after a run given clusters, the
+  // run's own clusters after a run given none.
+  const itf_xvk_clusterinfo* clusters = nullptr;
 };
 
 struct PlannedClusteringStats {
@@ -38,16 +40,28 @@ struct PlannedClusteringStats {
 
 // Clusters `count` new faces (features: count x 960 floats, row-major;
 // faceIds: count ints) into the application's clusters `existing` (null or
-// count 0 for none; only read). Round 1 plans all new faces (planFaceRuns)
-// and runs them run after run: load the run's faces, itf_xvk_runClustering
-// with the previous result (the first run with `existing`), read the result.
-// Each later round takes the new faces that are in no cluster, removes them
-// from the bucket -1 of the current result, plans them again and runs them
-// the same way. It stops after `maxRounds` rounds, or after a round that put
-// none of its faces into a cluster. The result is written to `result` as
-// itf_xvk_getClusterInfo writes it (the bucket -1 first, clusters numbered
-// 0, 1, 2, ...), overwriting what it held; give it back with
-// itf_xvk_releaseClusterInfo. `observe`, when set, is called after every run.
+// count 0 for none; only read), through the public interface only.
+// Round 1 plans all new faces (planFaceRuns) and, run by run, loads the
+// run's faces, calls itf_xvk_runClustering and reads the result:
+//  - the first run is given `existing`, and its result becomes the current
+//    list;
+//  - the other runs but the round's last are given no clusters: a planned
+//    run rarely shares a person with another, and a run costs a comparison
+//    per pair of clusters it is given; their results are kept aside;
+//  - the round's last run is given the current list, then the clusters kept
+//    aside numbered after its largest id (run after run), and one bucket -1
+//    holding the faces of every bucket; its result becomes the current list.
+//    So clusters of one person in different runs are united (features at
+//    0.87 or more) and the last run's unclustered faces are offered to
+//    every cluster.
+// Each later round takes the new faces that are in no cluster out of the
+// bucket -1 of the current list, plans them again and runs them the same
+// way, except that only the round's last run is given clusters. It stops after
+// `maxRounds` rounds, or after a round that put none of its faces into a
+// cluster. The current list is written to `result` as itf_xvk_getClusterInfo
+// writes it (the bucket -1 first, clusters numbered 0, 1, 2, ...),
+// overwriting what it held; give it back with itf_xvk_releaseClusterInfo.
+// `observe`, when set, is called after every run.
 // Returns the number of clusters in `result` (bucket included).
 // Returns -1, logs one line and changes nothing for a null handle, features,
 // faceIds or result, a count below 1, a runSize below 2, maxRounds below 1
