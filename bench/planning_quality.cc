@@ -10,6 +10,7 @@
 // link time (-Wl,--wrap), so every call of the engine and the planner counts.
 #include <algorithm>
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>

@@ -1,6 +1,7 @@
 #include "planning/planned_clustering.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdlib>
 #include <cstring>
 #include <utility>

@@ -2,8 +2,11 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <utility>
+#include <vector>
 
 #include "interface/face_recognition.h"
 #include "interface/public_call.h"
