@@ -20,13 +20,13 @@ install(TARGETS ${_targets}
 # copies are rewritten here from the sources, which name each other from
 # the source root.
 set(_public_headers platform/export.h)
-foreach(dir interface numeric clustering)
+foreach(dir interface numeric clustering planning)
   file(GLOB _found RELATIVE ${PROJECT_SOURCE_DIR} CONFIGURE_DEPENDS ${dir}/*.h)
   list(APPEND _public_headers ${_found})
 endforeach()
 foreach(header ${_public_headers})
   file(READ ${PROJECT_SOURCE_DIR}/${header} _text)
-  string(REGEX REPLACE "#include \"(interface|numeric|clustering|platform)/"
+  string(REGEX REPLACE "#include \"(interface|numeric|clustering|planning|platform)/"
                        "#include \"xvkfc/\\1/" _text "${_text}")
   file(GENERATE OUTPUT ${CMAKE_CURRENT_BINARY_DIR}/public_include/xvkfc/${header}
                 CONTENT "${_text}")

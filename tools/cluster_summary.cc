@@ -29,14 +29,13 @@ ScopedQuality measureScoped(const std::vector<ClusterRecord>& clusters,
   return scoped;
 }
 
-std::string describeRun(int faces, size_t batches, const RunSummary& last,
+std::string describeRun(int faces, const std::string& how, const RunSummary& last,
                         const std::vector<ClusterRecord>& clusters, bool intoExisting,
                         const ScopedQuality& quality) {
   std::set<int> gallery;
   for (const ClusterRecord& cluster : clusters)
     gallery.insert(cluster.faceIds.begin(), cluster.faceIds.end());
-  std::string text = std::to_string(faces) + (intoExisting ? " new" : "") + " faces clustered in " +
-                     std::to_string(batches) + (batches == 1 ? " batch" : " batches");
+  std::string text = std::to_string(faces) + (intoExisting ? " new" : "") + " faces clustered in " + how;
   const std::string counts = std::to_string(last.clusters) + " clusters, " +
                              std::to_string(last.unclustered) + " unclustered faces\n";
   if (intoExisting) {

@@ -26,11 +26,12 @@ struct ScopedQuality {
 ScopedQuality measureScoped(const std::vector<ClusterRecord>& clusters,
                             const std::vector<int>& faceIds, const Labels& labels);
 
-// The summary lines, for example
+// The summary lines; `how` says how the faces were run ("4 batches",
+// "42 planned runs (2 rounds)"). For example
 //   250 new faces clustered in 1 batch; the gallery (old.json and these)
 //   now holds 2000 faces: 19 clusters, 1892 unclustered faces
 //   quality over the 2000 labelled faces of the gallery: pairwise P ...
-std::string describeRun(int faces, size_t batches, const RunSummary& last,
+std::string describeRun(int faces, const std::string& how, const RunSummary& last,
                         const std::vector<ClusterRecord>& clusters, bool intoExisting,
                         const ScopedQuality& quality);
 

@@ -4,6 +4,7 @@
 #include <memory>
 #include <set>
 
+#include "planning/run_plan.h"
 #include "tools/assignments.h"
 #include "tools/batch_run.h"
 #include "tools/cluster_summary.h"
@@ -11,6 +12,7 @@
 #include "tools/labels.h"
 #include "tools/metrics_json.h"
 #include "tools/output_paths.h"
+#include "tools/planned_run.h"
 #include "tools/report.h"
 #include "tools/tool_error.h"
 
@@ -20,6 +22,8 @@ namespace {
 struct ClusterOptions {
   std::string features, ids, existing, output, labels, report, assignments, metrics;
   int batchSize = 0;
+  bool inOrder = false;
+  int rounds = 0;
 };
 
 // Refuses option combinations that would silently give wrong results.
@@ -30,6 +34,10 @@ void checkOptions(const ClusterOptions& options) {
     throw UsageError(
         "--existing needs --ids: the face ids of the new faces must be given, "
         "or they would be stored as 0..N-1");
+  }
+  if (options.batchSize == 1 && !options.inOrder) {
+    throw UsageError("--batch-size 1: planned runs take 2 faces or more (use --in-order for "
+                     "runs of one face)");
   }
   if (!options.metrics.empty() && options.labels.empty()) {
     throw UsageError("--metrics-json needs --labels: quality is measured against known labels");
@@ -75,15 +83,37 @@ int runCluster(const ClusterOptions& options, const GlobalOptions& global) {
     batches.push_back(summary);
     progress.note(describe(summary));
   };
-  const std::vector<ClusterRecord> clusters =
-      clusterInBatches(session, features, faceIds, std::move(existing), plan, progress);
+  // More faces than one run should take go in planned runs unless asked
+  // for arrival order.
+  const int runSize = options.batchSize > 0 ? options.batchSize : kDefaultRunSize;
+  const bool planned = !options.inOrder && features.rows() > runSize;
+  int plannedRuns = 0;
+  std::vector<ClusterRecord> clusters;
+  if (planned) {
+    PlannedRunOptions plannedOptions;
+    plannedOptions.runSize = runSize;
+    plannedOptions.rounds = options.rounds;
+    plannedOptions.identities = plan.identities;
+    plannedOptions.onRound = [&](const RunSummary& summary, int runs) {
+      batches.push_back(summary);
+      progress.note(describeRound(summary, runs));
+    };
+    clusters =
+        clusterPlanned(session, features, faceIds, existing, plannedOptions, progress, plannedRuns);
+  } else {
+    clusters = clusterInBatches(session, features, faceIds, std::move(existing), plan, progress);
+  }
 
   writeClusters(options.output, clusters);
   if (!options.assignments.empty()) writeAssignments(options.assignments, clusters, faceIds);
   const RunSummary& last = batches.back();
   const ScopedQuality quality = measureScoped(clusters, faceIds, labels);
-  std::printf("%s", describeRun(features.rows(), batches.size(), last, clusters,
-                                !options.existing.empty(), quality)
+  const std::string how =
+      planned ? std::to_string(plannedRuns) + " planned runs (" + std::to_string(batches.size()) +
+                    (batches.size() == 1 ? " round)" : " rounds)")
+              : std::to_string(batches.size()) + (batches.size() == 1 ? " batch" : " batches");
+  std::printf("%s", describeRun(features.rows(), how, last, clusters, !options.existing.empty(),
+                                quality)
                         .c_str());
   if (!options.metrics.empty()) {
     writeMetrics(options.metrics, quality.gallery ? "gallery" : "file", *quality.quality, last);
@@ -117,8 +147,10 @@ Command addClusterCommand(CLI::App& app, const GlobalOptions& global) {
       app.add_subcommand("cluster", "Cluster features from a file and write the clusters (JSON)");
   sub->footer(
       "Give the clusters file of an earlier run with --existing to add a new batch of faces to "
-      "it, as a photo application does; --batch-size splits FEATURES into successive runs, each "
-      "fed the previous result. Progress goes to standard error, the summary to standard output.");
+      "it, as a photo application does. More faces than one run takes (64, or --batch-size) are "
+      "clustered in planned runs: faces that resemble each other run together, round after "
+      "round; --in-order runs them in file order instead. Progress goes to standard error, the "
+      "summary to standard output.");
   sub->add_option("FEATURES", options->features,
                   "Features: .npy (float32, shape N x 960) or raw little-endian float32 "
                   "(N x 960 values)")
@@ -136,9 +168,15 @@ Command addClusterCommand(CLI::App& app, const GlobalOptions& global) {
                   "already has")
       ->type_name("FILE");
   sub->add_option("--batch-size", options->batchSize,
-                  "Cluster N faces per run, in file order, each run fed the previous result "
-                  "(default 0: all in one run)")
+                  "Faces per run (default 0: 64 in planned runs, all at once with --in-order)")
       ->check(nonNegative());
+  sub->add_flag("--in-order", options->inOrder,
+                "Run the faces in file order, --batch-size at a time, each run fed the previous "
+                "result, instead of in planned runs of faces that resemble each other");
+  sub->add_option("--rounds", options->rounds,
+                  "Planned runs: rounds at most; each later round feeds the faces still "
+                  "unclustered again (default 3)")
+      ->check(positive());
   sub->add_option("--labels", options->labels,
                   "Known identities: one per feature (same formats as --ids), or lines of "
                   "FACE_ID LABEL pairs (.npy shape (N, 2)) that may cover the whole gallery: "

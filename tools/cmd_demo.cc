@@ -11,6 +11,7 @@
 #include "tools/batch_run.h"
 #include "tools/commands.h"
 #include "tools/gallery.h"
+#include "tools/planned_run.h"
 #include "tools/report.h"
 #include "tools/tool_error.h"
 
@@ -36,6 +37,24 @@ void saveGallery(const std::string& folder, const Gallery& gallery) {
   writeFeatures(folder + "/features.npy", gallery.features);
   writeFileAtomically(folder + "/face_ids.txt", integersText(gallery.faceIds));
   writeFileAtomically(folder + "/labels.txt", integersText(gallery.identities));
+}
+
+// The same gallery in planned runs of the same size, beside the batches in
+// arrival order: what the order of the faces does to the quality.
+void printSideBySide(EngineSession& session, const Gallery& gallery, int runSize,
+                     const RunSummary& inOrder, Progress& progress) {
+  PlannedRunOptions options;
+  options.runSize = runSize;
+  options.identities = identityOfFaces(gallery.faceIds, gallery.identities, "the gallery");
+  RunSummary planned;
+  options.onRound = [&](const RunSummary& summary, int) { planned = summary; };
+  int runs = 0;
+  clusterPlanned(session, gallery.features, gallery.faceIds, {}, options, progress, runs);
+  std::printf("Side by side, runs of up to %d faces:\n", runSize);
+  std::printf("  in arrival order: %3d clusters, %4d unclustered; %s\n", inOrder.clusters,
+              inOrder.unclustered, describe(*inOrder.quality).c_str());
+  std::printf("  planned runs:     %3d clusters, %4d unclustered; %s (%d runs)\n", planned.clusters,
+              planned.unclustered, describe(*planned.quality).c_str(), runs);
 }
 
 int runDemo(const DemoOptions& options, const GlobalOptions& global) {
@@ -76,6 +95,7 @@ int runDemo(const DemoOptions& options, const GlobalOptions& global) {
       "in all.\nQuality: %s\n",
       last.clusters, g.people, g.loneFaces, last.unclustered, seconds,
       describe(*last.quality).c_str());
+  printSideBySide(session, gallery, batchSize, last, progress);
   if (!options.output.empty()) {
     writeClusters(options.output, clusters);
     std::printf("Clusters written to %s\n", options.output.c_str());

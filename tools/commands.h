@@ -46,6 +46,17 @@ inline CLI::Validator nonNegative() {
       "0 or more");
 }
 
+// Accepts integers of 1 or more, with the same plain message.
+inline CLI::Validator positive() {
+  return CLI::Validator(
+      [](std::string& text) -> std::string {
+        const bool zero = text.find_first_not_of("+0") == std::string::npos;
+        return text.empty() || text[0] == '-' || zero ? "must be 1 or more, not " + text
+                                                      : std::string();
+      },
+      "1 or more");
+}
+
 Command addClusterCommand(CLI::App& app, const GlobalOptions& global);
 Command addRepresentativeCommand(CLI::App& app, const GlobalOptions& global);
 Command addRecommendCommand(CLI::App& app, const GlobalOptions& global);

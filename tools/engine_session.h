@@ -35,6 +35,9 @@ class EngineSession {
   // The clusters of the last run, in the library's order (bucket -1 first).
   std::vector<ClusterRecord> clusters();
 
+  // The handle itself, for operations built on the public interface.
+  FaceRecognition* handle() { return &handle_; }
+
   // itf_xvk_compareFeature: 0..1023.
   int compare(const float* a, const float* b);
 

@@ -7,10 +7,6 @@
 namespace tool {
 namespace {
 
-// Noise strength of a person's faces, relative to the unit identity
-// direction: the cosine of two faces is about 1 / (1 + strength^2).
-constexpr double kMinNoise = 0.3;
-constexpr double kMaxNoise = 0.55;
 // Weight of the fresh direction in a look-alike: cosine to the other person
 // about 1 / sqrt(1 + weight^2) = 0.7.
 constexpr double kLookAlikeWeight = 1.0;
@@ -76,7 +72,8 @@ Gallery makeGallery(const GalleryOptions& options) {
     if (person > 0 && person >= options.people - options.lookAlikes) {
       direction = blend(previous, direction, kLookAlikeWeight);
     }
-    const double noise = kMinNoise + (kMaxNoise - kMinNoise) * random.uniform();
+    const double noise =
+        options.minNoise + (options.maxNoise - options.minNoise) * random.uniform();
     const int count = options.minFaces + random.below(options.maxFaces - options.minFaces + 1);
     for (int k = 0; k < count; ++k) {
       faces.emplace_back(toFloat(blend(direction, unitDirection(random), noise)), person);

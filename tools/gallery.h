@@ -18,6 +18,11 @@ struct GalleryOptions {
   int lookAlikes = 3;  // people made to resemble the person before them
   int loneFaces = 10;  // identities with exactly one face
   int duplicates = 6;  // exact copies of earlier faces under new face ids
+  // Range of a person's noise strength: the cosine of two of their faces is
+  // about 1 / (1 + strength^2), 0.77 to 0.92 by default; 0.3 to 0.9 spreads
+  // it from about 0.55 to 0.92, as faces in poor light or at an angle do.
+  double minNoise = 0.3;
+  double maxNoise = 0.55;
 };
 
 // Faces in shuffled order, the order a photo library would deliver them.

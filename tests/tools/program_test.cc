@@ -144,7 +144,7 @@ TEST_F(ProgramTest, EveryWayOfBatchingGivesTheClustersOfTheLibraryCalledDirectly
 
   const ProcessResult cluster =
       runProgram({"cluster", Path("g/features.npy"), "--ids", Path("g/face_ids.txt"), "--labels",
-                  Path("g/labels.txt"), "--batch-size", std::to_string(half), "-o",
+                  Path("g/labels.txt"), "--in-order", "--batch-size", std::to_string(half), "-o",
                   Path("cluster.json"), "--report", Path("report.html")});
   ASSERT_EQ(cluster.exitCode, 0) << cluster.err;
   EXPECT_TRUE(readWholeFile(Path("cluster.json")) == direct);

@@ -1,0 +1,80 @@
+// Clustering a whole gallery of new faces in planned runs, through the
+// public interface of FaceRecognition only.
+//
+// Conventions as in planning/run_plan.h: plain C++ types, no exception
+// leaves, one line logged for every failure.
+#ifndef XVKFC_PLANNING_PLANNED_CLUSTERING_H_
+#define XVKFC_PLANNING_PLANNED_CLUSTERING_H_
+
+#include <cstdint>
+#include <functional>
+
+#include "interface/exchange_records.h"
+#include "planning/run_plan.h"
+#include "platform/export.h"
+
+class FaceRecognition;
+
+// Rounds when the application has no reason to choose. The second round
+// clusters a few more of the faces the first one left over; a third rarely
+// finds anything.
+inline constexpr int kDefaultRounds = 3;
+
+// What one engine run of clusterInPlannedRuns did, for progress and quality.
+struct PlannedRunInfo {
+  int round = 0;                 // 1-based
+  int run = 0;                   // 1-based within the round
+  int runsInRound = 0;           // runs the round's plan holds
+  const int* faceIds = nullptr;  // the faces loaded for this run
+  int faceCount = 0;
+  // The run's result: the current list after a run given clusters, the
+  // run's own clusters after a run given none.
+  const itf_xvk_clusterinfo* clusters = nullptr;
+};
+
+struct PlannedClusteringStats {
+  int rounds = 0;               // rounds run
+  int runs = 0;                 // engine runs over all rounds
+  int64_t planComparisons = 0;  // comparator calls of the plans (the engine's not included)
+};
+
+// Clusters `count` new faces (features: count x 960 floats, row-major;
+// faceIds: count ints) into the application's clusters `existing` (null or
+// count 0 for none; only read), through the public interface only.
+// Round 1 plans all new faces (planFaceRuns) and, run by run, loads the
+// run's faces, calls itf_xvk_runClustering and reads the result:
+//  - the first run is given `existing`, and its result becomes the current
+//    list;
+//  - the other runs but the round's last are given no clusters: a planned
+//    run rarely shares a person with another, and a run costs a comparison
+//    per pair of clusters it is given; their results are kept aside;
+//  - the round's last run is given the current list, then the clusters kept
+//    aside numbered after its largest id (run after run), and one bucket -1
+//    holding the faces of every bucket; its result becomes the current list.
+//    So clusters of one person in different runs are united (features at
+//    0.87 or more) and the last run's unclustered faces are offered to
+//    every cluster.
+// Each later round takes the new faces that are in no cluster out of the
+// bucket -1 of the current list, plans them again and runs them the same
+// way, except that only the round's last run is given clusters. It stops after
+// `maxRounds` rounds, or after a round that put none of its faces into a
+// cluster. The current list is written to `result` as itf_xvk_getClusterInfo
+// writes it (the bucket -1 first, clusters numbered 0, 1, 2, ...),
+// overwriting what it held; give it back with itf_xvk_releaseClusterInfo.
+// `observe`, when set, is called after every run.
+// Returns the number of clusters in `result` (bucket included).
+// Returns -1, logs one line and changes nothing for a null handle, features,
+// faceIds or result, a count below 1, a runSize below 2, maxRounds below 1
+// or a handle that is not initialised. Returns -1 with `result` unchanged
+// when itf_xvk_runClustering rejects `existing` (it logs why; the faces
+// queued for the first run are then discarded) or when an allocation fails
+// part way (the handle's last result is then that of the last run done).
+// REQUIRES: face ids unique and not already in `existing`; no faces queued
+// on the handle (they would join the first run).
+XVKFC_EXPORT int clusterInPlannedRuns(
+    FaceRecognition* handle, const float* features, const int* faceIds, int count,
+    itf_xvk_clusterinfo* existing, int runSize, int maxRounds, itf_xvk_clusterinfo* result,
+    PlannedClusteringStats* stats = nullptr,
+    const std::function<void(const PlannedRunInfo&)>& observe = nullptr);
+
+#endif  // XVKFC_PLANNING_PLANNED_CLUSTERING_H_

@@ -1,0 +1,52 @@
+// Planned runs: an order in which to feed a whole gallery of new faces to
+// the clustering engine, in runs of faces that resemble each other.
+//
+// One clustering run makes at most about 21 clusters, and faces of one
+// person that reach the engine in different runs rarely meet again, so the
+// order of the faces decides most of the quality of a large import. The plan
+// puts each person's faces, as far as the comparator can tell, into one run.
+// It is judged only through the handle's comparator (itf_xvk_compareFeature);
+// nothing here assumes what the 960 floats mean.
+//
+// Conventions: plain C++ types; no exception leaves these functions (an
+// unexpected failure is logged as one line and reported as the failure
+// value). Starts no threads; a handle must not be used from two threads at
+// once.
+#ifndef XVKFC_PLANNING_RUN_PLAN_H_
+#define XVKFC_PLANNING_RUN_PLAN_H_
+
+#include <cstdint>
+#include <vector>
+
+#include "platform/export.h"
+
+class FaceRecognition;
+
+// Faces per run when the application has no reason to choose: about a dozen
+// people of a handful of faces each, well inside the ~21 clusters one run
+// can make.
+inline constexpr int kDefaultRunSize = 64;
+
+// A plan for `count` faces: run 0 is order[0 .. runSizes[0]), run 1 the next
+// runSizes[1] entries, and so on.
+struct RunPlan {
+  std::vector<int> order;     // every input index 0..count-1 exactly once
+  std::vector<int> runSizes;  // each 1..runSize; they add up to count
+  int64_t comparisons = 0;    // comparator calls the plan cost (at most count^2 / 8)
+};
+
+// Plans `count` features (count x 960 floats, row-major) into runs of at
+// most `runSize` faces. Returns the number of runs and fills `plan`.
+// Deterministic: the same set of features gives the same plan in any input
+// order (the plan then lists the same features in the same order; which of
+// two bit-identical features comes first is not defined). Uses at most
+// count^2 / 8 comparator calls and memory linear in count. NaN or infinite
+// values are planned like any other; the comparator decides how they score.
+// Returns -1, logs one line and leaves `plan` untouched for a null handle,
+// features or plan, a count below 1, a runSize below 2, a handle on which
+// itf_xvk_Init did not succeed, or an allocation failure.
+// `features` is only read.
+XVKFC_EXPORT int planFaceRuns(FaceRecognition* handle, const float* features, int count,
+                              int runSize, RunPlan* plan);
+
+#endif  // XVKFC_PLANNING_RUN_PLAN_H_

@@ -1,0 +1,172 @@
+#include "planning/planned_clustering.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <ostream>
+#include <vector>
+
+#include "interface/face_recognition.h"
+#include "support/log_capture.h"
+#include "support/scripted_closed_libs.h"
+#include "support/similarities.h"
+
+namespace {
+
+using testing_support::scripted;
+using testing_support::taggedFeature;
+using Ids = std::vector<int>;
+
+struct Cluster {
+  int id;
+  Ids faces;
+  int repFaceId;
+  bool operator==(const Cluster& o) const {
+    return id == o.id && faces == o.faces && repFaceId == o.repFaceId;
+  }
+};
+void PrintTo(const Cluster& c, std::ostream* os) {
+  *os << c.id << ":" << testing::PrintToString(c.faces) << " rep " << c.repFaceId;
+}
+
+// A gallery of new faces (face id = tag; same tens digit = one person, score
+// 0.9; else -0.4) added to the application's cluster 5 (faces 100 and 101,
+// person 10) and bucket (face 200).
+class PlannedClusteringTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    ASSERT_EQ(handle.itf_xvk_Init("/models"), 960);
+    scripted().fallback = [](const float* a, const float* b) {
+      return static_cast<int>(a[0]) / 10 == static_cast<int>(b[0]) / 10 ? 0.9f : -0.4f;
+    };
+    for (int tag : tags) {
+      const std::vector<float> feature = taggedFeature(tag);
+      features.insert(features.end(), feature.begin(), feature.end());
+    }
+    existingItems[0] = {5, 2, appFaces, 960, appFeature.data(), 100};
+    existingItems[1] = {-1, 1, appBucket, 0, nullptr, -1};
+  }
+  void TearDown() override { handle.itf_xvk_Release(); }
+
+  // Reads and gives back a list the library filled.
+  std::vector<Cluster> Take(itf_xvk_clusterinfo& list) {
+    std::vector<Cluster> clusters;
+    for (int i = 0; i < list.count; ++i) {
+      const itf_xvk_clusteritem& item = list.items[i];
+      clusters.push_back(
+          {item.clusterId, Ids(item.faceIds, item.faceIds + item.faceCount), item.repFaceId});
+    }
+    handle.itf_xvk_releaseClusterInfo(&list);
+    return clusters;
+  }
+  // Loads the faces of `tags` and runs clustering with `fed`; returns the result.
+  std::vector<Cluster> RunByHand(const Ids& run, itf_xvk_clusterinfo* fed) {
+    for (int tag : run) handle.itf_xvk_loadFaceFeature(taggedFeature(tag).data(), tag);
+    EXPECT_EQ(handle.itf_xvk_runClustering(fed), 1);
+    itf_xvk_clusterinfo list{0, nullptr};
+    handle.itf_xvk_getClusterInfo(&list);
+    return Take(list);
+  }
+
+  FaceRecognition handle;
+  const Ids tags = {33, 20, 104, 11, 31, 25, 22, 50, 10, 30,
+                    35, 21, 13,  32, 15, 12, 23, 34, 24, 14};
+  std::vector<float> features;
+  std::vector<float> appFeature = taggedFeature(100);
+  int appFaces[2] = {100, 101};
+  int appBucket[1] = {200};
+  itf_xvk_clusteritem existingItems[2];
+  itf_xvk_clusterinfo existing{2, existingItems};
+};
+
+// An application's list holding `clusters`, with tagged representative
+// features.
+class ListOf {
+ public:
+  explicit ListOf(const std::vector<Cluster>& clusters) : clusters_(clusters) {
+    for (const Cluster& c : clusters_) features_.push_back(taggedFeature(c.repFaceId));
+    for (std::size_t i = 0; i < clusters_.size(); ++i) {
+      Cluster& c = clusters_[i];
+      items_.push_back({c.id, static_cast<int>(c.faces.size()), c.faces.data(), c.id < 0 ? 0 : 960,
+                        c.id < 0 ? nullptr : features_[i].data(), c.repFaceId});
+    }
+    list_ = {static_cast<int>(items_.size()), items_.data()};
+  }
+  itf_xvk_clusterinfo* get() { return &list_; }
+
+ private:
+  std::vector<Cluster> clusters_;
+  std::vector<std::vector<float>> features_;
+  std::vector<itf_xvk_clusteritem> items_;
+  itf_xvk_clusterinfo list_;
+};
+
+// Runs of 12 faces: people 1 and 2 in the first run, fed the application's
+// clusters; person 3 in the second, on its own; the lone faces 50 and 104 in
+// the third, fed the clusters so far with those of the second run numbered
+// after them. Round 2 takes face 50 out of the bucket and feeds it again. The
+// result equals those loads and runs done by hand.
+TEST_F(PlannedClusteringTest, SameClustersAsTheRunsByHand) {
+  itf_xvk_clusterinfo planned{0, nullptr};
+  PlannedClusteringStats stats;
+  ASSERT_EQ(
+      clusterInPlannedRuns(&handle, features.data(), tags.data(), static_cast<int>(tags.size()),
+                           &existing, 12, kDefaultRounds, &planned, &stats),
+      5);
+  const std::vector<Cluster> result = Take(planned);
+  EXPECT_EQ(stats.rounds, 2);  // round 2 clusters nothing
+  EXPECT_EQ(stats.runs, 4);
+
+  std::vector<Cluster> byHand =
+      RunByHand({10, 11, 12, 13, 14, 15, 20, 21, 22, 23, 24, 25}, &existing);
+  const std::vector<Cluster> second = RunByHand({30, 31, 32, 33, 34, 35}, nullptr);
+  ASSERT_EQ(byHand.size(), 4u);
+  ASSERT_EQ(second.size(), 1u);
+  byHand.push_back({3, second[0].faces, second[0].repFaceId});
+  byHand = RunByHand({50, 104}, ListOf(byHand).get());
+  ASSERT_EQ(byHand[0].faces, (Ids{200, 50}));
+  byHand[0].faces = {200};
+  byHand = RunByHand({50}, ListOf(byHand).get());
+
+  EXPECT_EQ(result, byHand);
+  ASSERT_EQ(result.size(), 5u);
+  EXPECT_EQ(result[0], (Cluster{-1, {200, 50}, -1}));
+  EXPECT_EQ(result[1], (Cluster{0, {100, 101, 104}, 100}));
+  EXPECT_EQ(result[4].faces, (Ids{30, 31, 32, 33, 34, 35}));
+}
+
+TEST_F(PlannedClusteringTest, BadInputFailsWithOneLineAndChangesNothing) {
+  const int n = static_cast<int>(tags.size());
+  FaceRecognition notReady;
+  itf_xvk_clusteritem malformed = {-2, 0, nullptr, 0, nullptr, -1};
+  itf_xvk_clusterinfo rejected{1, &malformed};
+  struct Case {
+    FaceRecognition* handle;
+    const float* features;
+    int count, runSize, rounds;
+    itf_xvk_clusterinfo* existing;
+  };
+  const Case cases[] = {
+      {nullptr, features.data(), n, 8, 1, nullptr},  {&handle, nullptr, n, 8, 1, nullptr},
+      {&handle, features.data(), 0, 8, 1, nullptr},  {&handle, features.data(), n, 1, 1, nullptr},
+      {&handle, features.data(), n, 8, 0, nullptr},  {&notReady, features.data(), n, 8, 1, nullptr},
+      {&handle, features.data(), n, 8, 1, &rejected}};
+  for (const Case& c : cases) {
+    itf_xvk_clusterinfo result{7, nullptr};
+    testing_support::LogCapture log;
+    EXPECT_EQ(clusterInPlannedRuns(c.handle, c.features, tags.data(), c.count, c.existing,
+                                   c.runSize, c.rounds, &result),
+              -1);
+    EXPECT_EQ(result.count, 7);
+    // The engine's own rejection adds its line to ours.
+    EXPECT_EQ(log.lines.size(), c.existing == &rejected ? 2u : 1u);
+  }
+  // Nothing was left queued: a run now has no faces and keeps the empty result.
+  ASSERT_EQ(handle.itf_xvk_runClustering(nullptr), 1);
+  itf_xvk_clusterinfo list{0, nullptr};
+  handle.itf_xvk_getClusterInfo(&list);
+  EXPECT_EQ(Take(list), (std::vector<Cluster>{{-1, {}, -1}}));
+}
+
+}  // namespace
