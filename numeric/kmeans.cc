@@ -113,7 +113,11 @@ void findRuns(const Vec<int>& index, std::vector<Run>& runs) {
 
 namespace {
 
-#if defined(__x86_64__) && defined(__GNUC__) && !defined(__clang__)
+// The clones are chosen by an ifunc resolver while the program is being
+// relocated, before ThreadSanitizer's runtime is up; its instrumented
+// resolver would crash there, so that build keeps the plain rendering.
+#if defined(__x86_64__) && defined(__GNUC__) && !defined(__clang__) && \
+    !defined(__SANITIZE_THREAD__)
 #define XVKFC_KMEANS_AVX2 1
 #define XVKFC_KMEANS_CLONES __attribute__((target_clones("avx2", "default")))
 // Inlined into each clone, so that the clone's instructions reach them.
