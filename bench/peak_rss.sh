@@ -1,5 +1,5 @@
 #!/bin/sh
-# Time and peak memory of `xvkfc cluster` on one batch of the synthetic
+# Time and peak memory of `xvkfc cluster --in-order` (all faces in one run) on the synthetic
 # gallery, per size. Needs a build with benchmarks and tools (the bench
 # preset) and GNU time:
 #   cmake --preset bench && cmake --build build/bench -j2
@@ -20,7 +20,7 @@ echo "|---|---|---|---|---|"
 for n in $sizes; do
   "$build/bench/xvkfc_bench_gallery" "$n" "$work/features.f32"
   /usr/bin/time -f '%e %U %S %M' -o "$work/time.txt" \
-    "$build/tools/xvkfc" -q cluster "$work/features.f32" -o "$work/clusters.json" > /dev/null
+    "$build/tools/xvkfc" -q cluster --in-order "$work/features.f32" -o "$work/clusters.json" > /dev/null
   read -r wall user sys rss_kib < "$work/time.txt"
   awk -v n="$n" -v wall="$wall" -v user="$user" -v sys="$sys" -v rss="$rss_kib" 'BEGIN {
     bound = (1.25 * (4 * n * n + 2 * 3840 * n) + 16 * 1048576) / 1048576

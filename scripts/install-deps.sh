@@ -11,6 +11,7 @@ packages=(
   libc6:armhf libstdc++6:armhf libgtest-dev:armhf android-liblog-dev:armhf
   nlohmann-json3-dev libcli11-dev libstb-dev
   clang libclang-rt-14-dev
+  chromium
 )
 
 as_root() {
