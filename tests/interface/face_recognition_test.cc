@@ -35,9 +35,6 @@ TEST_F(FaceRecognitionLifecycle, InitBuildsInOrderAndReleaseIsRepeatable) {
   ASSERT_EQ(handle.itf_xvk_Init("/models"), 960);
   EXPECT_EQ(scripted().events,
             (Events{"FR ctor", "FR Init 960 /models", "LD ctor", "LD Init 1 /models"}));
-  ASSERT_NE(handle.engine, nullptr);
-  ASSERT_NE(handle.featureBuffer, nullptr);
-  EXPECT_EQ(handle.engine->recognizer, handle.recognizer);
   ASSERT_EQ(log.lines.size(), 1u);
   EXPECT_EQ(log.lines[0].message, std::string("init FC engine (") + kVersion + ")");
   EXPECT_EQ(log.lines[0].tag, "FC_Native");
@@ -47,10 +44,6 @@ TEST_F(FaceRecognitionLifecycle, InitBuildsInOrderAndReleaseIsRepeatable) {
   EXPECT_EQ(handle.itf_xvk_Release(), 1);
   EXPECT_EQ(handle.itf_xvk_Release(), 1);
   EXPECT_EQ(scripted().events, (Events{"FR Release", "FR dtor", "LD Release", "LD dtor"}));
-  EXPECT_EQ(handle.recognizer, nullptr);
-  EXPECT_EQ(handle.landmarkDetector, nullptr);
-  EXPECT_EQ(handle.engine, nullptr);
-  EXPECT_EQ(handle.featureBuffer, nullptr);
   EXPECT_EQ(log.messages().back(), "release FC engine");
   EXPECT_EQ(log.messages().size(), 3u);
   EXPECT_EQ(handle.itf_xvk_Init("/models"), 960);
