@@ -277,8 +277,20 @@ TEST_F(ClusteringCycle, RunningOutOfMemoryIsLoggedAndNeverEscapes) {
       [] {}, [&] { std::free(handle.itf_xvk_getClusterFeature(features.data(), 1)); }));
   seen.merge(FailEachAllocation(
       [&] { std::vector<clusterinfo>().swap(handle.engine->clusterInfos); }, [&] { Read(); }));
+  seen.merge(FailEachAllocation(
+      [&] {
+        handle.engine->init(handle.recognizer);
+        std::vector<Face>().swap(handle.engine->faces);  // so that adding a face allocates
+        Load({11});
+      },
+      [&] { handle.itf_xvk_loadFaceFeature(features.data(), 10); }));
   for (const char* message :
-       {"malloc fail!!!(in getClusterFeature(Cluster, ivec)",
+       {"malloc fail!!!(zeros in loadFeatureVector", "malloc fail!!!(add face in loadFeatureVector",
+        "malloc fail!!!(in updateKernel", "malloc fail!!!(in ClusterSplit",
+        "malloc fail!!!(alloc members in MergeCluster(mat, ivec)",
+        "malloc fail!!!(add members in MergeCluster(mat, ivec)",
+        "malloc fail!!!(add members vector in refineClustering",
+        "malloc fail!!!(in getClusterFeature(Cluster, ivec)",
         "malloc fail!!!(features assign in getClusterFeature(float*, int, ivec, int*)",
         "malloc fail!!!(add members in getClusterFeature(float*, int, ivec, int*)",
         "malloc fail!!!(in getClusterFeature(float*, int)",
