@@ -27,9 +27,7 @@ class ClusteringCycle : public testing::Test {
  protected:
   void SetUp() override {
     ASSERT_EQ(handle.itf_xvk_Init("/models"), 960);
-    scripted().fallback = [](const float* a, const float* b) {
-      return static_cast<int>(a[0]) / 10 == static_cast<int>(b[0]) / 10 ? 0.9f : -0.4f;
-    };
+    scripted().fallback = testing_support::tensDigitPeople;
   }
   void TearDown() override {
     handle.itf_xvk_releaseClusterInfo(&result);
