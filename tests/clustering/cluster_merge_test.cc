@@ -6,8 +6,6 @@
 
 #include "clustering/clustering_test_util.h"
 #include "clustering/face_clustering_system.h"
-#include "support/alloc_failure.h"
-#include "support/log_capture.h"
 
 namespace {
 
@@ -63,23 +61,6 @@ TEST(MergeClusters, RepeatsPassesThenRenumbersWithTheSharedIdOfKeptSingletons) {
   const auto k =
       pairKernel(4, 0.1f, {{0, 1, 0.6f}, {0, 3, 0.8f}, {1, 2, 0.8f}, {1, 3, 0.68f}, {2, 3, 0.8f}});
   EXPECT_EQ(mergeAll(k, {0, 1, 2, 3}, true), Vec<int>({0, 0, 0, 0}));
-
-  // A pass whose member lists run out of memory joins nothing (here it would
-  // join everything) and ends the repetition; the renumbering still runs.
-  FaceClusteringSystem engine;
-  engine.kernel = pairKernel(3, 0.8f);
-  // A pass reads the kernel in place: its first two allocations make and
-  // fill the member lists.
-  testing_support::LogCapture log;
-  for (long nth : {1, 2}) {
-    Vec<int> labels = {0, 2, 2};
-    alloc_failure::failNth(nth);
-    engine.MergeClusters(labels, true);
-    EXPECT_EQ(labels, Vec<int>({-1, 0, 0}));
-  }
-  EXPECT_EQ(log.messages(),
-            (std::vector<std::string>{"malloc fail!!!(alloc members in MergeCluster(mat, ivec)",
-                                      "malloc fail!!!(add members in MergeCluster(mat, ivec)"}));
 }
 
 }  // namespace

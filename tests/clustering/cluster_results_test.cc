@@ -36,7 +36,7 @@ TEST_F(ClusterResults, MedoidTakesTheBestMeanAndOtherwiseTheEarlierOrFirstFace) 
 
 TEST_F(ClusterResults, GivenFeaturesReplaceTheLoadedFaces) {
   Load({5});
-  std::vector<float> features = Features({2, 0, 1});
+  std::vector<float> features = testing_support::taggedFeatures({2, 0, 1});
   int rep = -1;
   EXPECT_EQ(engine.getClusterFeature(features.data(), 3, {20, 21, 22}, &rep), Feature(1));
   EXPECT_EQ(rep, 22);

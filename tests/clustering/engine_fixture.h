@@ -18,15 +18,6 @@ class EngineTest : public testing::Test {
   void SetUp() override { ASSERT_EQ(engine.init(&comparator), 1); }
 
   static std::vector<float> Feature(int tag) { return testing_support::taggedFeature(tag); }
-  // The tagged features one after another.
-  static std::vector<float> Features(const std::vector<int>& tags) {
-    std::vector<float> all;
-    for (int tag : tags) {
-      const std::vector<float> one = Feature(tag);
-      all.insert(all.end(), one.begin(), one.end());
-    }
-    return all;
-  }
   // Similarity of two tagged features in the kernel; exact from 0.25 up.
   static void Similar(int tagA, int tagB, float similarity) {
     testing_support::scripted().setScore(Feature(tagA), Feature(tagB), 2.0f * similarity - 1.0f);

@@ -37,13 +37,7 @@ class PlannedClusteringTest : public testing::Test {
  protected:
   void SetUp() override {
     ASSERT_EQ(handle.itf_xvk_Init("/models"), 960);
-    scripted().fallback = [](const float* a, const float* b) {
-      return static_cast<int>(a[0]) / 10 == static_cast<int>(b[0]) / 10 ? 0.9f : -0.4f;
-    };
-    for (int tag : tags) {
-      const std::vector<float> feature = taggedFeature(tag);
-      features.insert(features.end(), feature.begin(), feature.end());
-    }
+    scripted().fallback = testing_support::tensDigitPeople;
     existingItems[0] = {5, 2, appFaces, 960, appFeature.data(), 100};
     existingItems[1] = {-1, 1, appBucket, 0, nullptr, -1};
   }
@@ -72,7 +66,7 @@ class PlannedClusteringTest : public testing::Test {
   FaceRecognition handle;
   const Ids tags = {33, 20, 104, 11, 31, 25, 22, 50, 10, 30,
                     35, 21, 13,  32, 15, 12, 23, 34, 24, 14};
-  std::vector<float> features;
+  std::vector<float> features = testing_support::taggedFeatures(tags);
   std::vector<float> appFeature = taggedFeature(100);
   int appFaces[2] = {100, 101};
   int appBucket[1] = {200};

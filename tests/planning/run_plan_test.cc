@@ -26,20 +26,10 @@ class RunPlanTest : public testing::Test {
  protected:
   void SetUp() override {
     ASSERT_EQ(handle.itf_xvk_Init("/models"), 960);
-    scripted().fallback = [](const float* a, const float* b) {
-      return static_cast<int>(a[0]) / 10 == static_cast<int>(b[0]) / 10 ? 0.9f : -0.4f;
-    };
+    scripted().fallback = testing_support::tensDigitPeople;
   }
   void TearDown() override { handle.itf_xvk_Release(); }
 
-  static std::vector<float> Features(const std::vector<int>& tags) {
-    std::vector<float> rows;
-    for (int tag : tags) {
-      const std::vector<float> feature = taggedFeature(tag);
-      rows.insert(rows.end(), feature.begin(), feature.end());
-    }
-    return rows;
-  }
   // Plans `tags` and checks what every plan must hold: each face once, runs
   // within the size bound and adding up, comparator calls within n^2 / 8.
   RunPlan Plan(const std::vector<float>& rows, int runSize) {
@@ -80,7 +70,7 @@ TEST_F(RunPlanTest, PeopleLandInOneRunWithinTheComparisonBound) {
   for (int faces : {14, 1200}) {
     std::vector<int> tags(faces);
     for (int i = 0; i < faces; ++i) tags[i] = (i * 7919) % faces;  // a fixed shuffle
-    const RunPlan plan = Plan(Features(tags), kDefaultRunSize);
+    const RunPlan plan = Plan(testing_support::taggedFeatures(tags), kDefaultRunSize);
     std::vector<int> runOfPerson(faces / 10 + 1, -1);
     for (const auto& [tag, run] : RunOfTags(plan, tags)) {
       int& expected = runOfPerson[tag / 10];
@@ -94,7 +84,7 @@ TEST_F(RunPlanTest, StrangersOnlyStayWithinTheBound) {
   scripted().fallback = [](const float*, const float*) { return -0.4f; };
   std::vector<int> tags(100);
   for (int i = 0; i < 100; ++i) tags[i] = i * 10;
-  const RunPlan plan = Plan(Features(tags), 7);
+  const RunPlan plan = Plan(testing_support::taggedFeatures(tags), 7);
   EXPECT_EQ(plan.runSizes.size(), 15u);  // 100 faces alone, in runs of 7
 }
 
@@ -102,7 +92,7 @@ TEST_F(RunPlanTest, StrangersOnlyStayWithinTheBound) {
 // NaN and infinite values included.
 TEST_F(RunPlanTest, PlanDependsOnTheFeaturesNotTheirOrder) {
   std::vector<int> tags = {31, 10, 45, 11, 30, 12, 44, 10, 32, 13, 33, 46, 60, 61};
-  std::vector<float> rows = Features(tags);
+  std::vector<float> rows = testing_support::taggedFeatures(tags);
   rows[2 * 960 + 1] = std::numeric_limits<float>::quiet_NaN();
   rows[12 * 960 + 2] = std::numeric_limits<float>::infinity();
   const RunPlan first = Plan(rows, 4);
@@ -122,7 +112,7 @@ TEST_F(RunPlanTest, PlanDependsOnTheFeaturesNotTheirOrder) {
 }
 
 TEST_F(RunPlanTest, BadInputFailsWithOneLineAndLeavesThePlan) {
-  const std::vector<float> rows = Features({10, 11, 12});
+  const std::vector<float> rows = testing_support::taggedFeatures({10, 11, 12});
   FaceRecognition notReady;
   struct Case {
     FaceRecognition* handle;

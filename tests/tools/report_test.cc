@@ -16,6 +16,19 @@ ClusterRecord Cluster(int id, const std::vector<int>& faces) {
   return {id, faces, faces[0], std::vector<float>(kFeatureDim, 0.0f)};
 }
 
+// Faces 10..15 as clusters 0 {10, 12} and 1 {11, 14, 15} and the unclustered
+// 13, shown in cluster order with the similarities `scores` (rows in that order).
+ReportData Sample(const std::vector<int>& scores) {
+  ReportData data;
+  data.clusters = {Cluster(-1, {13}), Cluster(0, {10, 12}), Cluster(1, {11, 14, 15})};
+  const std::vector<int> faceIds = {10, 11, 12, 13, 14, 15};
+  data.view.order = orderByCluster(data.clusters, faceIds, 100);  // 10 12 | 11 14 15 | 13
+  data.view.facesWithFeatures = 6;
+  for (int row : data.view.order.rows) data.view.faceIds.push_back(faceIds[row]);
+  data.view.similarities = scores;
+  return data;
+}
+
 TEST(ClusterOrderTest, ClustersFirstThenUnclusteredThenTheRest) {
   // Rows hold face ids 10..15; 99 has no features here (an earlier run's face).
   const std::vector<int> faceIds = {10, 11, 12, 13, 14, 15};
@@ -35,18 +48,12 @@ TEST(ClusterOrderTest, ClustersFirstThenUnclusteredThenTheRest) {
 }
 
 TEST(ReportTest, WellFormedEscapedPageWithAHeatMapInClusterOrderAndClustersOutlined) {
-  ReportData data;
-  data.title = "xvkfc cluster <b>&\"x\".npy";
-  data.clusters = {Cluster(-1, {13}), Cluster(0, {10, 12}), Cluster(1, {11, 14, 15})};
-  const std::vector<int> faceIds = {10, 11, 12, 13, 14, 15};
-  data.view.order = orderByCluster(data.clusters, faceIds, 100);
-  data.view.facesWithFeatures = 6;
-  for (int row : data.view.order.rows) data.view.faceIds.push_back(faceIds[row]);
   // Distinct scores, asymmetric on purpose so that a transposed map shows.
-  for (int i = 0; i < 6; ++i) {
-    for (int j = 0; j < 6; ++j)
-      data.view.similarities.push_back(i == j ? 1023 : 400 + 100 * i + 7 * j);
-  }
+  std::vector<int> scores;
+  for (int i = 0; i < 36; ++i)
+    scores.push_back(i % 7 == 0 ? 1023 : 400 + 100 * (i / 6) + 7 * (i % 6));
+  ReportData data = Sample(scores);
+  data.title = "xvkfc cluster <b>&\"x\".npy";
 
   const std::string html = renderReport(data);
   EXPECT_EQ(tool_test::htmlProblem(html), "");
@@ -83,17 +90,14 @@ TEST(ReportTest, WellFormedEscapedPageWithAHeatMapInClusterOrderAndClustersOutli
 // holds a pair below the split level and two identities, cluster 0 is tight
 // and the unclustered face 13 nearly matches face 10.
 TEST(ReportTest, ClustersToDoubtAreMarkedAndListedFirst) {
-  ReportData data;
-  data.clusters = {Cluster(-1, {13}), Cluster(0, {10, 12}), Cluster(1, {11, 14, 15})};
-  const std::vector<int> faceIds = {10, 11, 12, 13, 14, 15};
-  data.view.order = orderByCluster(data.clusters, faceIds, 100);  // 10 12 | 11 14 15 | 13
-  data.view.facesWithFeatures = 6;
-  for (int row : data.view.order.rows) data.view.faceIds.push_back(faceIds[row]);
-  const int scores[6][6] = {{1023, 990, 500, 500, 500, 900}, {990, 1023, 500, 500, 500, 500},
-                            {500, 500, 1023, 950, 600, 500}, {500, 500, 950, 1023, 800, 500},
-                            {500, 500, 600, 800, 1023, 500}, {900, 500, 500, 500, 500, 1023}};
-  for (const auto& row : scores)
-    data.view.similarities.insert(data.view.similarities.end(), row, row + 6);
+  // clang-format off
+  ReportData data = Sample({1023,  990,  500,  500,  500,  900,
+                             990, 1023,  500,  500,  500,  500,
+                             500,  500, 1023,  950,  600,  500,
+                             500,  500,  950, 1023,  800,  500,
+                             500,  500,  600,  800, 1023,  500,
+                             900,  500,  500,  500,  500, 1023});
+  // clang-format on
   data.identities = {{10, 1}, {12, 1}, {11, 2}, {14, 2}, {15, 3}, {13, 1}};
 
   const std::vector<ClusterFigures> figures = clusterFigures(data.view, data.identities);
