@@ -5,35 +5,6 @@
 #include "tools/tool_error.h"
 
 namespace tool {
-namespace {
-
-// Views of the program's records as the library's exchange records. The
-// library only reads a list it is given, so the pointers may alias the
-// records' own storage.
-class ExchangeList {
- public:
-  explicit ExchangeList(const std::vector<ClusterRecord>& clusters) {
-    for (const ClusterRecord& record : clusters) {
-      itf_xvk_clusteritem item;
-      item.clusterId = record.id;
-      item.faceCount = static_cast<int>(record.faceIds.size());
-      item.faceIds = const_cast<int*>(record.faceIds.data());
-      item.featureDim = static_cast<int>(record.feature.size());
-      item.feature = record.feature.empty() ? nullptr : const_cast<float*>(record.feature.data());
-      item.repFaceId = record.repFaceId;
-      items_.push_back(item);
-    }
-    list_.count = static_cast<int>(items_.size());
-    list_.items = items_.empty() ? nullptr : items_.data();
-  }
-  itf_xvk_clusterinfo* get() { return &list_; }
-
- private:
-  std::vector<itf_xvk_clusteritem> items_;
-  itf_xvk_clusterinfo list_{};
-};
-
-}  // namespace
 
 EngineSession::EngineSession(const std::string& modelDir) {
   const int status = handle_.itf_xvk_Init(modelDir.c_str());
@@ -64,11 +35,9 @@ void EngineSession::run(const std::vector<ClusterRecord>& existing) {
   }
 }
 
-std::vector<ClusterRecord> EngineSession::clusters() {
-  itf_xvk_clusterinfo list{0, nullptr};
-  const int count = handle_.itf_xvk_getClusterInfo(&list);
+std::vector<ClusterRecord> recordsOf(const itf_xvk_clusterinfo& list) {
   std::vector<ClusterRecord> records;
-  for (int i = 0; i < count; ++i) {
+  for (int i = 0; i < list.count; ++i) {
     const itf_xvk_clusteritem& item = list.items[i];
     ClusterRecord record;
     record.id = item.clusterId;
@@ -78,6 +47,13 @@ std::vector<ClusterRecord> EngineSession::clusters() {
       record.feature.assign(item.feature, item.feature + item.featureDim);
     records.push_back(std::move(record));
   }
+  return records;
+}
+
+std::vector<ClusterRecord> EngineSession::clusters() {
+  itf_xvk_clusterinfo list{0, nullptr};
+  handle_.itf_xvk_getClusterInfo(&list);
+  std::vector<ClusterRecord> records = recordsOf(list);
   handle_.itf_xvk_releaseClusterInfo(&list);
   return records;
 }

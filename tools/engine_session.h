@@ -12,6 +12,36 @@
 
 namespace tool {
 
+// Views of the program's records as the library's exchange records. The
+// library only reads a list it is given, so the pointers may alias the
+// records' own storage.
+class ExchangeList {
+ public:
+  explicit ExchangeList(const std::vector<ClusterRecord>& clusters) {
+    for (const ClusterRecord& record : clusters) {
+      itf_xvk_clusteritem item;
+      item.clusterId = record.id;
+      item.faceCount = static_cast<int>(record.faceIds.size());
+      item.faceIds = const_cast<int*>(record.faceIds.data());
+      item.featureDim = static_cast<int>(record.feature.size());
+      item.feature = record.feature.empty() ? nullptr : const_cast<float*>(record.feature.data());
+      item.repFaceId = record.repFaceId;
+      items_.push_back(item);
+    }
+    list_.count = static_cast<int>(items_.size());
+    list_.items = items_.empty() ? nullptr : items_.data();
+  }
+  itf_xvk_clusterinfo* get() { return &list_; }
+
+ private:
+  std::vector<itf_xvk_clusteritem> items_;
+  itf_xvk_clusterinfo list_{};
+};
+
+// The program's records of a list the library filled (itf_xvk_getClusterInfo
+// or an operation that writes the same list); the list stays the caller's.
+std::vector<ClusterRecord> recordsOf(const itf_xvk_clusterinfo& list);
+
 // Owns one initialised FaceRecognition handle and converts between the
 // program's records and the library's exchange records. Not copyable; one
 // thread.

@@ -9,41 +9,13 @@
 #include "tools/tool_error.h"
 
 namespace tool {
-namespace {
-
-std::vector<ClusterRecord> recordsOf(const itf_xvk_clusterinfo& list) {
-  std::vector<ClusterRecord> records;
-  for (int i = 0; i < list.count; ++i) {
-    const itf_xvk_clusteritem& item = list.items[i];
-    ClusterRecord record;
-    record.id = item.clusterId;
-    record.faceIds.assign(item.faceIds, item.faceIds + item.faceCount);
-    record.repFaceId = item.repFaceId;
-    if (item.feature != nullptr)
-      record.feature.assign(item.feature, item.feature + item.featureDim);
-    records.push_back(std::move(record));
-  }
-  return records;
-}
-
-}  // namespace
 
 std::vector<ClusterRecord> clusterPlanned(EngineSession& session, const FeatureMatrix& features,
                                           const std::vector<int>& faceIds,
                                           const std::vector<ClusterRecord>& existing,
                                           const PlannedRunOptions& options, Progress& progress,
                                           int& runs) {
-  // The library only reads the list it is given, so it may point into the
-  // records.
-  std::vector<itf_xvk_clusteritem> items;
-  for (const ClusterRecord& record : existing) {
-    items.push_back({record.id, static_cast<int>(record.faceIds.size()),
-                     const_cast<int*>(record.faceIds.data()),
-                     static_cast<int>(record.feature.size()),
-                     record.feature.empty() ? nullptr : const_cast<float*>(record.feature.data()),
-                     record.repFaceId});
-  }
-  itf_xvk_clusterinfo existingList{static_cast<int>(items.size()), items.data()};
+  ExchangeList existingList(existing);
 
   const int runSize = options.runSize > 0 ? options.runSize : kDefaultRunSize;
   const int maxRounds = options.rounds > 0 ? options.rounds : kDefaultRounds;
@@ -78,7 +50,7 @@ std::vector<ClusterRecord> clusterPlanned(EngineSession& session, const FeatureM
   PlannedClusteringStats stats;
   const int count = ::clusterInPlannedRuns(
       session.handle(), features.values.data(), faceIds.data(), features.rows(),
-      existing.empty() ? nullptr : &existingList, runSize, maxRounds, &result, &stats, observe);
+      existing.empty() ? nullptr : existingList.get(), runSize, maxRounds, &result, &stats, observe);
   progress.end();
   if (count < 0) {
     throw ToolError(
