@@ -1,8 +1,6 @@
 #include "clustering/kernel_block.h"
 
-#if defined(__x86_64__)
-#include <immintrin.h>
-#endif
+#include "numeric/transpose8.h"
 
 namespace detail {
 namespace {
@@ -30,30 +28,9 @@ __attribute__((target("avx2"))) void eightRowSumsAvx2(const float* const* rows,
     int t = 0;
     for (; t + 8 <= run.length; t += 8) {
       const int j = run.start + t;
-      const __m256 r0 = _mm256_loadu_ps(rows[0] + j), r1 = _mm256_loadu_ps(rows[1] + j);
-      const __m256 r2 = _mm256_loadu_ps(rows[2] + j), r3 = _mm256_loadu_ps(rows[3] + j);
-      const __m256 r4 = _mm256_loadu_ps(rows[4] + j), r5 = _mm256_loadu_ps(rows[5] + j);
-      const __m256 r6 = _mm256_loadu_ps(rows[6] + j), r7 = _mm256_loadu_ps(rows[7] + j);
-      const __m256 t0 = _mm256_unpacklo_ps(r0, r1), t1 = _mm256_unpackhi_ps(r0, r1);
-      const __m256 t2 = _mm256_unpacklo_ps(r2, r3), t3 = _mm256_unpackhi_ps(r2, r3);
-      const __m256 t4 = _mm256_unpacklo_ps(r4, r5), t5 = _mm256_unpackhi_ps(r4, r5);
-      const __m256 t6 = _mm256_unpacklo_ps(r6, r7), t7 = _mm256_unpackhi_ps(r6, r7);
-      const __m256 lo0 = _mm256_shuffle_ps(t0, t2, _MM_SHUFFLE(1, 0, 1, 0));
-      const __m256 lo1 = _mm256_shuffle_ps(t0, t2, _MM_SHUFFLE(3, 2, 3, 2));
-      const __m256 lo2 = _mm256_shuffle_ps(t1, t3, _MM_SHUFFLE(1, 0, 1, 0));
-      const __m256 lo3 = _mm256_shuffle_ps(t1, t3, _MM_SHUFFLE(3, 2, 3, 2));
-      const __m256 hi0 = _mm256_shuffle_ps(t4, t6, _MM_SHUFFLE(1, 0, 1, 0));
-      const __m256 hi1 = _mm256_shuffle_ps(t4, t6, _MM_SHUFFLE(3, 2, 3, 2));
-      const __m256 hi2 = _mm256_shuffle_ps(t5, t7, _MM_SHUFFLE(1, 0, 1, 0));
-      const __m256 hi3 = _mm256_shuffle_ps(t5, t7, _MM_SHUFFLE(3, 2, 3, 2));
-      s = _mm256_add_ps(s, _mm256_permute2f128_ps(lo0, hi0, 0x20));
-      s = _mm256_add_ps(s, _mm256_permute2f128_ps(lo1, hi1, 0x20));
-      s = _mm256_add_ps(s, _mm256_permute2f128_ps(lo2, hi2, 0x20));
-      s = _mm256_add_ps(s, _mm256_permute2f128_ps(lo3, hi3, 0x20));
-      s = _mm256_add_ps(s, _mm256_permute2f128_ps(lo0, hi0, 0x31));
-      s = _mm256_add_ps(s, _mm256_permute2f128_ps(lo1, hi1, 0x31));
-      s = _mm256_add_ps(s, _mm256_permute2f128_ps(lo2, hi2, 0x31));
-      s = _mm256_add_ps(s, _mm256_permute2f128_ps(lo3, hi3, 0x31));
+      __m256 columns[8];
+      transpose8x8(rows, j, columns);
+      for (const __m256& column : columns) s = _mm256_add_ps(s, column);
     }
     for (; t < run.length; ++t) {
       const int j = run.start + t;

@@ -5,12 +5,9 @@
 #include <cstddef>
 #include <utility>
 
-#if defined(__x86_64__)
-#include <immintrin.h>
-#endif
-
 #include "numeric/mat_ops.h"
 #include "numeric/rand_perm.h"
+#include "numeric/transpose8.h"
 
 namespace {
 
@@ -216,39 +213,9 @@ __attribute__((target("avx2"))) void distances8Avx2(const float* const* rows,
     int t = 0;
     for (; t + 8 <= run.length; t += 8) {
       const int j = run.start + t;
-      const __m256 t0 =
-          _mm256_unpacklo_ps(_mm256_loadu_ps(rows[0] + j), _mm256_loadu_ps(rows[1] + j));
-      const __m256 t1 =
-          _mm256_unpackhi_ps(_mm256_loadu_ps(rows[0] + j), _mm256_loadu_ps(rows[1] + j));
-      const __m256 t2 =
-          _mm256_unpacklo_ps(_mm256_loadu_ps(rows[2] + j), _mm256_loadu_ps(rows[3] + j));
-      const __m256 t3 =
-          _mm256_unpackhi_ps(_mm256_loadu_ps(rows[2] + j), _mm256_loadu_ps(rows[3] + j));
-      const __m256 t4 =
-          _mm256_unpacklo_ps(_mm256_loadu_ps(rows[4] + j), _mm256_loadu_ps(rows[5] + j));
-      const __m256 t5 =
-          _mm256_unpackhi_ps(_mm256_loadu_ps(rows[4] + j), _mm256_loadu_ps(rows[5] + j));
-      const __m256 t6 =
-          _mm256_unpacklo_ps(_mm256_loadu_ps(rows[6] + j), _mm256_loadu_ps(rows[7] + j));
-      const __m256 t7 =
-          _mm256_unpackhi_ps(_mm256_loadu_ps(rows[6] + j), _mm256_loadu_ps(rows[7] + j));
-      // Columns k and k + 4 of rows 0-3 (lo) and rows 4-7 (hi).
-      const __m256 lo0 = _mm256_shuffle_ps(t0, t2, _MM_SHUFFLE(1, 0, 1, 0));
-      const __m256 lo1 = _mm256_shuffle_ps(t0, t2, _MM_SHUFFLE(3, 2, 3, 2));
-      const __m256 lo2 = _mm256_shuffle_ps(t1, t3, _MM_SHUFFLE(1, 0, 1, 0));
-      const __m256 lo3 = _mm256_shuffle_ps(t1, t3, _MM_SHUFFLE(3, 2, 3, 2));
-      const __m256 hi0 = _mm256_shuffle_ps(t4, t6, _MM_SHUFFLE(1, 0, 1, 0));
-      const __m256 hi1 = _mm256_shuffle_ps(t4, t6, _MM_SHUFFLE(3, 2, 3, 2));
-      const __m256 hi2 = _mm256_shuffle_ps(t5, t7, _MM_SHUFFLE(1, 0, 1, 0));
-      const __m256 hi3 = _mm256_shuffle_ps(t5, t7, _MM_SHUFFLE(3, 2, 3, 2));
-      addColumn(_mm256_permute2f128_ps(lo0, hi0, 0x20), c0 + t, c1 + t, &sum0, &sum1);
-      addColumn(_mm256_permute2f128_ps(lo1, hi1, 0x20), c0 + t + 1, c1 + t + 1, &sum0, &sum1);
-      addColumn(_mm256_permute2f128_ps(lo2, hi2, 0x20), c0 + t + 2, c1 + t + 2, &sum0, &sum1);
-      addColumn(_mm256_permute2f128_ps(lo3, hi3, 0x20), c0 + t + 3, c1 + t + 3, &sum0, &sum1);
-      addColumn(_mm256_permute2f128_ps(lo0, hi0, 0x31), c0 + t + 4, c1 + t + 4, &sum0, &sum1);
-      addColumn(_mm256_permute2f128_ps(lo1, hi1, 0x31), c0 + t + 5, c1 + t + 5, &sum0, &sum1);
-      addColumn(_mm256_permute2f128_ps(lo2, hi2, 0x31), c0 + t + 6, c1 + t + 6, &sum0, &sum1);
-      addColumn(_mm256_permute2f128_ps(lo3, hi3, 0x31), c0 + t + 7, c1 + t + 7, &sum0, &sum1);
+      __m256 columns[8];
+      transpose8x8(rows, j, columns);
+      for (int k = 0; k < 8; ++k) addColumn(columns[k], c0 + t + k, c1 + t + k, &sum0, &sum1);
     }
     for (; t < run.length; ++t) {
       const int j = run.start + t;

@@ -1,0 +1,47 @@
+// An 8 x 8 block of floats read row-wise and handed out column by column in
+// AVX2 registers, so that lane r of every column holds row r: the per-row
+// sums of the kernel's block routines then run in the eight lanes at once,
+// each lane doing its row's additions in column order.
+#ifndef XVKFC_NUMERIC_TRANSPOSE8_H_
+#define XVKFC_NUMERIC_TRANSPOSE8_H_
+
+#if defined(__x86_64__) && defined(__GNUC__)
+#include <immintrin.h>
+
+namespace detail {
+
+// columns[k], lane r = rows[r][j + k], for k and r in 0..7.
+__attribute__((target("avx2"), always_inline)) inline void transpose8x8(const float* const* rows,
+                                                                        int j, __m256* columns) {
+  const __m256 r0 = _mm256_loadu_ps(rows[0] + j), r1 = _mm256_loadu_ps(rows[1] + j);
+  const __m256 r2 = _mm256_loadu_ps(rows[2] + j), r3 = _mm256_loadu_ps(rows[3] + j);
+  const __m256 r4 = _mm256_loadu_ps(rows[4] + j), r5 = _mm256_loadu_ps(rows[5] + j);
+  const __m256 r6 = _mm256_loadu_ps(rows[6] + j), r7 = _mm256_loadu_ps(rows[7] + j);
+  const __m256 t0 = _mm256_unpacklo_ps(r0, r1), t1 = _mm256_unpackhi_ps(r0, r1);
+  const __m256 t2 = _mm256_unpacklo_ps(r2, r3), t3 = _mm256_unpackhi_ps(r2, r3);
+  const __m256 t4 = _mm256_unpacklo_ps(r4, r5), t5 = _mm256_unpackhi_ps(r4, r5);
+  const __m256 t6 = _mm256_unpacklo_ps(r6, r7), t7 = _mm256_unpackhi_ps(r6, r7);
+  // Columns k and k + 4 of rows 0-3 (lo) and rows 4-7 (hi).
+  const __m256 lo0 = _mm256_shuffle_ps(t0, t2, _MM_SHUFFLE(1, 0, 1, 0));
+  const __m256 lo1 = _mm256_shuffle_ps(t0, t2, _MM_SHUFFLE(3, 2, 3, 2));
+  const __m256 lo2 = _mm256_shuffle_ps(t1, t3, _MM_SHUFFLE(1, 0, 1, 0));
+  const __m256 lo3 = _mm256_shuffle_ps(t1, t3, _MM_SHUFFLE(3, 2, 3, 2));
+  const __m256 hi0 = _mm256_shuffle_ps(t4, t6, _MM_SHUFFLE(1, 0, 1, 0));
+  const __m256 hi1 = _mm256_shuffle_ps(t4, t6, _MM_SHUFFLE(3, 2, 3, 2));
+  const __m256 hi2 = _mm256_shuffle_ps(t5, t7, _MM_SHUFFLE(1, 0, 1, 0));
+  const __m256 hi3 = _mm256_shuffle_ps(t5, t7, _MM_SHUFFLE(3, 2, 3, 2));
+  columns[0] = _mm256_permute2f128_ps(lo0, hi0, 0x20);
+  columns[1] = _mm256_permute2f128_ps(lo1, hi1, 0x20);
+  columns[2] = _mm256_permute2f128_ps(lo2, hi2, 0x20);
+  columns[3] = _mm256_permute2f128_ps(lo3, hi3, 0x20);
+  columns[4] = _mm256_permute2f128_ps(lo0, hi0, 0x31);
+  columns[5] = _mm256_permute2f128_ps(lo1, hi1, 0x31);
+  columns[6] = _mm256_permute2f128_ps(lo2, hi2, 0x31);
+  columns[7] = _mm256_permute2f128_ps(lo3, hi3, 0x31);
+}
+
+}  // namespace detail
+
+#endif  // __x86_64__ && __GNUC__
+
+#endif  // XVKFC_NUMERIC_TRANSPOSE8_H_
