@@ -1,0 +1,36 @@
+#include "interface/handle_support.h"
+
+#include "clustering/feature_reset.h"
+#include "clustering/thresholds.h"
+#include "interface/face_recognition.h"
+#include "interface/handle_readiness.h"
+#include "interface/public_call.h"
+
+static_assert(xvkfc::kFeatureDim == detail::kFeatureDim);
+static_assert(xvkfc::kSplitSimilarity == detail::kSplitSimilarity);
+static_assert(xvkfc::kMergeBestPairSimilarity == detail::kMergeBestPairSimilarity);
+static_assert(xvkfc::kOutlierJoinSimilarity == detail::kOutlierJoinSimilarity);
+static_assert(xvkfc::kClusterLinkSimilarity == detail::kClusterLinkSimilarity);
+
+namespace xvkfc {
+
+bool isHandleReady(const FaceRecognition* handle) {
+  return handle != nullptr && detail::isReadyHandle(*handle);
+}
+
+int discardQueuedFaces(FaceRecognition* handle) {
+  if (handle == nullptr) {
+    detail::logDebug("discardQueuedFaces: null handle");
+    return -1;
+  }
+  return detail::guardPublicCall("discardQueuedFaces", -1, [&] {
+    if (!detail::requireReadyHandle(*handle, "discardQueuedFaces")) return -1;
+    FaceClusteringSystem& engine = *handle->engine;
+    engine.faces.clear();
+    engine.kernel.clear();
+    detail::resetFeatureMats(engine.featureMats, engine.emptyFeatureMat);
+    return 1;
+  });
+}
+
+}  // namespace xvkfc
