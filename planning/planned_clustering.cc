@@ -120,6 +120,57 @@ itf_xvk_clusterinfo combine(const itf_xvk_clusterinfo* base,
   return itf_xvk_clusterinfo{static_cast<int>(items.size()), items.data()};
 }
 
+// A malloc'd copy of `n` values at `from` (n may be 0); null when malloc fails.
+template <typename T>
+T* mallocCopy(const T* from, int n) {
+  T* copy = static_cast<T*>(std::malloc(sizeof(T) * static_cast<std::size_t>(n > 0 ? n : 1)));
+  if (copy != nullptr && n > 0) std::memcpy(copy, from, sizeof(T) * static_cast<std::size_t>(n));
+  return copy;
+}
+
+// What a stopped import hands out: `current` and the lists set aside
+// (combined as the round's last run would be fed them) plus `notRun` in the
+// bucket, copied into malloc'd arrays as itf_xvk_getClusterInfo gives them,
+// bucket first. False when memory runs out (nothing is left allocated).
+bool stoppedResult(const itf_xvk_clusterinfo* current, const std::vector<itf_xvk_clusterinfo>& aside,
+                   const std::vector<int>& notRun, itf_xvk_clusterinfo* result) {
+  std::vector<itf_xvk_clusteritem> items;
+  std::vector<int> bucket;
+  const itf_xvk_clusterinfo all = combine(current, aside, items, bucket);
+  if (!notRun.empty() && (all.count == 0 || items.back().clusterId >= 0)) {
+    items.push_back(itf_xvk_clusteritem{-1, 0, nullptr, 0, nullptr, -1});
+  }
+  bucket.insert(bucket.end(), notRun.begin(), notRun.end());
+  std::stable_partition(items.begin(), items.end(),
+                        [](const itf_xvk_clusteritem& item) { return item.clusterId < 0; });
+  const int count = static_cast<int>(items.size());
+  auto* out = static_cast<itf_xvk_clusteritem*>(
+      std::calloc(count > 0 ? count : 1, sizeof(itf_xvk_clusteritem)));
+  bool copied = out != nullptr;
+  for (int i = 0; copied && i < count; ++i) {
+    itf_xvk_clusteritem item = items[i];
+    if (item.clusterId < 0) {
+      item.faceCount = static_cast<int>(bucket.size());
+      item.faceIds = bucket.data();
+    }
+    out[i] = item;
+    out[i].faceIds = mallocCopy(item.faceIds, item.faceCount);
+    out[i].feature = item.featureDim > 0 ? mallocCopy(item.feature, item.featureDim) : nullptr;
+    copied = out[i].faceIds != nullptr && (item.featureDim <= 0 || out[i].feature != nullptr);
+  }
+  itf_xvk_clusterinfo list{count, out};
+  if (!copied) {
+    for (int i = 0; out != nullptr && i < count; ++i) {
+      std::free(out[i].faceIds);
+      std::free(out[i].feature);
+    }
+    std::free(out);
+    return false;
+  }
+  *result = list;
+  return true;
+}
+
 const char* rejection(FaceRecognition* handle, const float* features, const int* faceIds, int count,
                       int runSize, int maxRounds, itf_xvk_clusterinfo* result) {
   if (handle == nullptr) return "null handle";
@@ -138,7 +189,8 @@ const char* rejection(FaceRecognition* handle, const float* features, const int*
 int clusterInPlannedRuns(FaceRecognition* handle, const float* features, const int* faceIds,
                          int count, itf_xvk_clusterinfo* existing, int runSize, int maxRounds,
                          itf_xvk_clusterinfo* result, PlannedClusteringStats* stats,
-                         const std::function<void(const PlannedRunInfo&)>& observe) {
+                         const std::function<void(const PlannedRunInfo&)>& observe,
+                         const PlannedProgress& progress) {
   return detail::guardPublicCall("clusterInPlannedRuns", -1, [&] {
     if (const char* why = rejection(handle, features, faceIds, count, runSize, maxRounds, result)) {
       detail::logDebug("clusterInPlannedRuns: rejected: %s", why);
@@ -218,6 +270,22 @@ int clusterInPlannedRuns(FaceRecognition* handle, const float* features, const i
           observe(PlannedRunInfo{round, run + 1, runs, runIds.data(),
                                  static_cast<int>(runIds.size()),
                                  fedRun ? current.get() : &aside.lists().back()});
+        }
+        const int facesDone = round == 1 ? static_cast<int>(offset) : count;
+        if (progress && !progress(facesDone, count)) {
+          std::vector<int> notRun;
+          for (std::size_t k = offset; k < plan.order.size(); ++k)
+            notRun.push_back(pendingIds[plan.order[k]]);
+          itf_xvk_clusterinfo stopped{0, nullptr};
+          if (!stoppedResult(current.get(), aside.lists(), notRun, &stopped)) {
+            detail::logDebug("clusterInPlannedRuns: out of memory for the stopped result");
+            return -1;
+          }
+          detail::logDebug("clusterInPlannedRuns: stopped after %d of %d faces", facesDone, count);
+          *result = stopped;
+          totals.stopped = true;
+          if (stats != nullptr) *stats = totals;
+          return result->count;
         }
       }
 

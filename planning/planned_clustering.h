@@ -36,7 +36,14 @@ struct PlannedClusteringStats {
   int rounds = 0;               // rounds run
   int runs = 0;                 // engine runs over all rounds
   int64_t planComparisons = 0;  // comparator calls of the plans (the engine's not included)
+  bool stopped = false;         // the progress callback asked to stop
 };
+
+// Progress of clusterInPlannedRuns, called after every run: `facesDone` of
+// `facesTotal` new faces have been through a run of the first round (later
+// rounds, which retry the faces left unclustered, report facesTotal of
+// facesTotal). Returning false stops the import after that run.
+using PlannedProgress = std::function<bool(int facesDone, int facesTotal)>;
 
 // Clusters `count` new faces (features: count x 960 floats, row-major;
 // faceIds: count ints) into the application's clusters `existing` (null or
@@ -62,6 +69,12 @@ struct PlannedClusteringStats {
 // writes it (the bucket -1 first, clusters numbered 0, 1, 2, ...),
 // overwriting what it held; give it back with itf_xvk_releaseClusterInfo.
 // `observe`, when set, is called after every run.
+// `progress`, when set, is called after every run too; when it returns
+// false the import stops there and `result` holds what is clustered so far:
+// the current list, the clusters of the round's runs not yet united with it
+// (numbered after it, so a person may have two clusters), and in the bucket
+// -1 every new face not in a cluster, those not yet run included. Nothing
+// is lost and nothing stays queued; stats->stopped tells a stopped import.
 // Returns the number of clusters in `result` (bucket included).
 // Returns -1, logs one line and changes nothing for a null handle, features,
 // faceIds or result, a count below 1, a runSize below 2, maxRounds below 1
@@ -75,6 +88,7 @@ XVKFC_EXPORT int clusterInPlannedRuns(
     FaceRecognition* handle, const float* features, const int* faceIds, int count,
     itf_xvk_clusterinfo* existing, int runSize, int maxRounds, itf_xvk_clusterinfo* result,
     PlannedClusteringStats* stats = nullptr,
-    const std::function<void(const PlannedRunInfo&)>& observe = nullptr);
+    const std::function<void(const PlannedRunInfo&)>& observe = nullptr,
+    const PlannedProgress& progress = nullptr);
 
 #endif  // XVKFC_PLANNING_PLANNED_CLUSTERING_H_

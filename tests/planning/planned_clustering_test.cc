@@ -130,6 +130,40 @@ TEST_F(PlannedClusteringTest, SameClustersAsTheRunsByHand) {
   EXPECT_EQ(result[4].faces, (Ids{30, 31, 32, 33, 34, 35}));
 }
 
+// Stopped after the second of three runs: the first run's clusters (with the
+// application's), the second run's person 3 numbered after them, and every
+// face not yet run in the bucket; each face exactly once, nothing queued.
+TEST_F(PlannedClusteringTest, StoppedImportKeepsEveryFaceOnce) {
+  std::vector<std::pair<int, int>> calls;
+  auto stopAfterTwo = [&](int done, int total) {
+    calls.push_back({done, total});
+    return calls.size() < 2;
+  };
+  itf_xvk_clusterinfo planned{0, nullptr};
+  PlannedClusteringStats stats;
+  const int n = static_cast<int>(tags.size());
+  ASSERT_EQ(clusterInPlannedRuns(&handle, features.data(), tags.data(), n, &existing, 12,
+                                 kDefaultRounds, &planned, &stats, nullptr, stopAfterTwo),
+            5);
+  EXPECT_TRUE(stats.stopped);
+  EXPECT_EQ(calls, (std::vector<std::pair<int, int>>{{12, n}, {18, n}}));
+  const std::vector<Cluster> result = Take(planned);
+  EXPECT_EQ(result[0], (Cluster{-1, {200, 50, 104}, -1}));
+  EXPECT_EQ(result[4], (Cluster{3, {30, 31, 32, 33, 34, 35}, 30}));
+  Ids all;
+  for (const Cluster& c : result) all.insert(all.end(), c.faces.begin(), c.faces.end());
+  std::sort(all.begin(), all.end());
+  Ids expected = tags;
+  expected.insert(expected.end(), {100, 101, 200});
+  std::sort(expected.begin(), expected.end());
+  EXPECT_EQ(all, expected);
+  // Nothing stayed queued: a run now has no faces and keeps the last result.
+  EXPECT_EQ(handle.itf_xvk_runClustering(nullptr), 1);
+  itf_xvk_clusterinfo after{0, nullptr};
+  handle.itf_xvk_getClusterInfo(&after);
+  EXPECT_EQ(Take(after).size(), 1u);  // the second run's own result: person 3
+}
+
 TEST_F(PlannedClusteringTest, BadInputFailsWithOneLineAndChangesNothing) {
   const int n = static_cast<int>(tags.size());
   FaceRecognition notReady;
