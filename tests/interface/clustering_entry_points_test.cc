@@ -162,6 +162,9 @@ TEST_F(ClusteringCycle, ReadingAndReleasingTheResult) {
   handle.itf_xvk_getClusterInfo(&result);  // before any run: the empty bucket
   ASSERT_EQ(result.count, 1);
   EXPECT_NE(result.items[0].faceIds, nullptr);  // allocated even for 0 ids
+  handle.itf_xvk_releaseClusterInfo(&result);  // a single element is freed too
+  EXPECT_EQ(result.count, 0);
+  EXPECT_EQ(result.items, nullptr);
   EXPECT_EQ(handle.itf_xvk_getClusterInfo(nullptr), 0);
 
   handle.engine->clusters.clear();
