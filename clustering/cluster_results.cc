@@ -42,11 +42,9 @@ void FaceClusteringSystem::getClusterFeature(Cluster& cluster, Vec<int> indices)
 Vec<float> FaceClusteringSystem::getClusterFeature(float* features, int count, Vec<int> ids,
                                                    int* repFaceId) {
   // The loaded faces go first, before the arguments are looked at.
-  faces.clear();
-  kernel.clear();
   if (!detail::runOrLogAllocFailure(
           "malloc fail!!!(features assign in getClusterFeature(float*, int, ivec, int*)",
-          [&] { detail::resetFeatureMats(featureMats, emptyFeatureMat); })) {
+          [&] { detail::dropLoadedFaces(*this); })) {
     return Vec<float>();
   }
   if (features == nullptr || count <= 0) return Vec<float>();

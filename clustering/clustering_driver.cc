@@ -7,12 +7,7 @@
 
 void FaceClusteringSystem::clusteringFace(std::vector<clusterinfo> existing) {
   // featureMats is empty only after a reset that ran out of memory; nothing
-  // is loaded then. Rows past the last face record lost their record to an
-  // allocation failure while loading (logged then): with no face id to
-  // report them under, they are left out of the run.
-  if (!featureMats.empty() && featureMats[0].rows.size() > faces.size()) {
-    featureMats[0].rows.resize(faces.size());
-  }
+  // is loaded then.
   const int n = featureMats.empty() ? 0 : featureMats[0].rowCount();
   if (n > 0) {
     clusters.clear();
@@ -31,8 +26,6 @@ void FaceClusteringSystem::clusteringFace(std::vector<clusterinfo> existing) {
 
   // A run without new faces keeps the previous clusters; either way the next
   // run starts from newly loaded faces.
-  faces.clear();
-  kernel.clear();
   detail::runOrLogAllocFailure("malloc fail!!!(in clusteringFace",
-                               [&] { detail::resetFeatureMats(featureMats, emptyFeatureMat); });
+                               [&] { detail::dropLoadedFaces(*this); });
 }

@@ -18,7 +18,10 @@
 //
 // Allocation failures are caught where the operations below say so, logged
 // with a fixed "malloc fail!!!(..." line, and end the operation quietly with
-// an empty or partial result. Other failures propagate.
+// an empty or partial result. Other failures propagate. A clustering run is
+// all or nothing through detail::runClusteringOrUndo
+// (clustering/clustering_run.h), which puts the engine back after a run
+// during which any allocation failed.
 class XVKFC_EXPORT FaceClusteringSystem {
  public:
   // Members in declaration order; public, as the exported interface shows
@@ -52,9 +55,8 @@ class XVKFC_EXPORT FaceClusteringSystem {
   // --- Loading and kernel ---------------------------------------------------
 
   // Copies 960 floats from `feature` as a new row with a Face of `faceId`,
-  // keeping the rows in ascending lexicographic order of their floats. When
-  // the Face cannot be added the row stays, last and without a record; rows
-  // loaded later go in front of such rows, so row i is always faces[i].
+  // keeping the rows in ascending lexicographic order of their floats; row i
+  // is always faces[i]. Out of memory, nothing is added (logged).
   void loadFeatureVector(float* feature, int faceId);
   // Replaces `kernel` by the similarities of the rows of features[0]. The
   // Mat<int> is not used.
@@ -64,9 +66,9 @@ class XVKFC_EXPORT FaceClusteringSystem {
 
   // One clustering run over the loaded faces, merged with `existing`; then
   // the loaded faces are cleared. With no loaded faces the cluster map is
-  // kept as it is and `existing` is not merged. Rows without a face record
-  // are dropped first. Failures other than the caught allocation failures
-  // propagate and leave the engine part-way (the facade puts it back).
+  // kept as it is and `existing` is not merged. Failures other than the
+  // caught allocation failures propagate and leave the engine part-way;
+  // detail::runClusteringOrUndo puts it back after either.
   void clusteringFace(std::vector<clusterinfo> existing);
   // Split-and-merge cycles, outlier pruning and the rebuild of `clusters`.
   // The Mat<int> is not read.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <utility>
+#include <vector>
 
 #include "FRecogInterface.h"
 #include "clustering/face_clustering_system.h"
@@ -11,15 +12,22 @@
 
 namespace {
 
-// Lexicographic comparison of two features, element 0 most significant:
-// -1 if a < b, 1 if a > b, 0 if no element differs. An element pair
-// involving NaN compares as equal and the scan moves on.
-int compareFeatures(const Vec<float>& a, const Vec<float>& b) {
+// Lexicographic comparison of a feature with a row, element 0 most
+// significant: -1 if a < b, 1 if a > b, 0 if no element differs. An element
+// pair involving NaN compares as equal and the scan moves on.
+int compareFeatures(const float* a, const Vec<float>& b) {
   for (int k = 0; k < detail::kFeatureDim; ++k) {
     if (a[k] > b[k]) return 1;
     if (a[k] < b[k]) return -1;
   }
   return 0;
+}
+
+// Room for one more element, growing geometrically as push_back would, so
+// that the push_back after it cannot fail.
+template <typename T>
+void reserveOneMore(std::vector<T>& list) {
+  if (list.size() == list.capacity()) list.reserve(list.empty() ? 1 : 2 * list.size());
 }
 
 }  // namespace
@@ -35,32 +43,26 @@ void FaceClusteringSystem::loadFeatureVector(float* feature, int faceId) {
   }
   std::copy(feature, feature + detail::kFeatureDim, row.begin());
   std::vector<Vec<float>>& rows = featureMats[0].rows;
-  rows.push_back(std::move(row));
-
-  // On failure the row just appended stays: rows and faces then differ in
-  // length by one, and nothing repairs it.
-  Face face;
-  face.faceId = faceId;
-  if (!detail::runOrLogAllocFailure("malloc fail!!!(add face in loadFeatureVector",
-                                    [&] { faces.push_back(face); })) {
+  // A face is loaded whole or not at all: room for the row and its record
+  // first, then two appends that cannot fail.
+  if (!detail::runOrLogAllocFailure("malloc fail!!!(add face in loadFeatureVector", [&] {
+        reserveOneMore(rows);
+        reserveOneMore(faces);
+      })) {
     return;
   }
-
-  // Rows past the last face record are rows whose record could not be
-  // added. They stay last, outside the order; the new row, which has a
-  // record, goes in front of them so that row i keeps belonging to faces[i].
-  const int added = static_cast<int>(faces.size()) - 1;
-  if (static_cast<int>(rows.size()) - 1 > added) {
-    std::rotate(rows.begin() + added, rows.end() - 1, rows.end());
-  }
+  rows.push_back(std::move(row));
+  Face face;
+  face.faceId = faceId;
+  faces.push_back(std::move(face));
 
   // Insertion step of an insertion sort. The scan always compares against
   // the new feature and always exchanges positions j and j+1, so it passes
   // over an equal row without stopping, and a greater row found below an
   // equal one is exchanged with that equal row, not with the new feature.
-  const Vec<float> addedRow = rows[added];
+  const int added = static_cast<int>(faces.size()) - 1;
   for (int j = added - 1; j >= 0; --j) {
-    const int order = compareFeatures(addedRow, rows[j]);
+    const int order = compareFeatures(feature, rows[j]);
     if (order > 0) break;
     if (order < 0) {
       std::swap(rows[j], rows[j + 1]);

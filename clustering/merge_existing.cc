@@ -140,16 +140,14 @@ Cluster* uniteGroup(FaceClusteringSystem& engine, ClusterMap& merged, int t) {
   return survivor;
 }
 
-}  // namespace
-
-void FaceClusteringSystem::mergeInitialCluster(std::vector<clusterinfo> existing) {
-  if (clusters.empty()) return;
-
-  // The application's clusters, as they are; a later duplicate id wins.
-  ClusterMap merged;
-  int maxId = -1;
+// The application's clusters as they are, into `merged`; a later duplicate
+// id wins. Counts their faces into initialFaceCount and sets *maxId to the
+// largest id (-1 for none). False when memory ran out (logged).
+bool takeOverApplicationClusters(FaceClusteringSystem& engine,
+                                 const std::vector<clusterinfo>& existing, ClusterMap& merged,
+                                 int* maxId) {
   for (const clusterinfo& e : existing) {
-    maxId = std::max(maxId, e.id);
+    *maxId = std::max(*maxId, e.id);
     Cluster cl;
     cl.id = e.id;
     if (e.id >= 0) {
@@ -158,35 +156,91 @@ void FaceClusteringSystem::mergeInitialCluster(std::vector<clusterinfo> existing
     } else {
       cl.repFaceId = -1;
     }
-    initialFaceCount += static_cast<int>(e.faceIds.size());
+    engine.initialFaceCount += static_cast<int>(e.faceIds.size());
     if (!detail::runOrLogAllocFailure("malloc fail!!!(existing cluster in mergeCluster)", [&] {
           cl.members.assign(e.faceIds.begin(), e.faceIds.end());
         })) {
-      clusters.clear();
-      return;
+      return false;
     }
     merged[e.id] = cl;
   }
+  return true;
+}
 
-  // The run's clusters, numbered after the application's in key order, and
-  // the run's outliers (key -1, which comes first). The facade keeps maxId
-  // low enough for maxId + 1 + key to fit in an int.
-  for (const auto& entry : clusters) {
+// The run's clusters, numbered after the application's in key order, and
+// the run's outliers (key -1, which comes first). The facade keeps maxId low
+// enough for maxId + 1 + key to fit in an int. False when memory ran out
+// placing the outliers (logged).
+bool addRunClusters(FaceClusteringSystem& engine, ClusterMap& merged, int maxId,
+                    bool offerOutliersToApplication) {
+  for (const auto& entry : engine.clusters) {
     const int key = entry.first;
     const Vec<int> faceIndices = entry.second.members;
     if (key != -1) {
       const int newId = maxId + 1 + key;
       Cluster cl;
       cl.init(newId);
-      getClusterFeature(cl, faceIndices);
+      engine.getClusterFeature(cl, faceIndices);
       merged[newId] = cl;
       continue;
     }
+    if (!placeOutliers(engine, merged, faceIndices, offerOutliersToApplication)) return false;
+  }
+  return true;
+}
 
-    if (!placeOutliers(*this, merged, faceIndices, !existing.empty())) {
-      clusters = merged;
+// Links close clusters of `merged`, then unites each group into one cluster
+// of engine.clusters (empty on entry), numbered 0, 1, 2, ... in id order,
+// plus the bucket -1. Any failure leaves the unlinked clusters instead.
+void uniteLinkedClusters(FaceClusteringSystem& engine, ClusterMap& merged) {
+  const ClusterMap snapshot = merged;
+  linkCloseClusters(engine.recognizer, merged);
+
+  // The ids in use, walked in ascending order. A sorted set rather than one
+  // flag per id from -1 up to the largest: application ids can be as large
+  // as int allows, and the memory stays proportional to the cluster count.
+  std::set<int> used;
+  if (!detail::runOrLogAllocFailure("malloc fail!!!(cid assign in mergeCluster", [&] {
+        for (const auto& entry : merged) used.insert(entry.second.id);
+      })) {
+    engine.clusters = snapshot;
+    return;
+  }
+
+  int next = 0;
+  for (int t : used) {
+    Cluster* survivor = uniteGroup(engine, merged, t);
+    if (survivor == nullptr) {
+      engine.clusters = snapshot;
       return;
     }
+    if (t == -1) {
+      Cluster& bucket = engine.clusters[-1];
+      bucket = *survivor;
+      bucket.id = -1;
+    } else {
+      Cluster& written = engine.clusters[next];
+      written = *survivor;
+      written.id = next;
+      ++next;
+    }
+  }
+}
+
+}  // namespace
+
+void FaceClusteringSystem::mergeInitialCluster(std::vector<clusterinfo> existing) {
+  if (clusters.empty()) return;
+
+  ClusterMap merged;
+  int maxId = -1;
+  if (!takeOverApplicationClusters(*this, existing, merged, &maxId)) {
+    clusters.clear();
+    return;
+  }
+  if (!addRunClusters(*this, merged, maxId, !existing.empty())) {
+    clusters = merged;
+    return;
   }
 
   // The count is taken before groups are united below, and stays.
@@ -196,39 +250,5 @@ void FaceClusteringSystem::mergeInitialCluster(std::vector<clusterinfo> existing
     clusters = merged;
     return;
   }
-
-  // Link close clusters, then unite each group into one cluster, numbered
-  // 0, 1, 2, ... in id order; any failure restores the unlinked clusters.
-  const ClusterMap snapshot = merged;
-  linkCloseClusters(recognizer, merged);
-
-  // The ids in use, walked in ascending order. A sorted set rather than one
-  // flag per id from -1 up to the largest: application ids can be as large
-  // as int allows, and the memory stays proportional to the cluster count.
-  std::set<int> used;
-  if (!detail::runOrLogAllocFailure("malloc fail!!!(cid assign in mergeCluster", [&] {
-        for (const auto& entry : merged) used.insert(entry.second.id);
-      })) {
-    clusters = snapshot;
-    return;
-  }
-
-  int next = 0;
-  for (int t : used) {
-    Cluster* survivor = uniteGroup(*this, merged, t);
-    if (survivor == nullptr) {
-      clusters = snapshot;
-      return;
-    }
-    if (t == -1) {
-      Cluster& bucket = clusters[-1];
-      bucket = *survivor;
-      bucket.id = -1;
-    } else {
-      Cluster& written = clusters[next];
-      written = *survivor;
-      written.id = next;
-      ++next;
-    }
-  }
+  uniteLinkedClusters(*this, merged);
 }

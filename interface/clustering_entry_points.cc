@@ -4,15 +4,14 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
-#include <map>
-#include <utility>
 #include <vector>
 
+#include "clustering/clustering_run.h"
 #include "clustering/face_clustering_system.h"
 #include "clustering/thresholds.h"
 #include "interface/face_recognition.h"
 #include "interface/handle_readiness.h"
-#include "interface/public_call.h"
+#include "platform/alloc_guard.h"
 #include "platform/log.h"
 
 namespace {
@@ -115,77 +114,40 @@ bool fillItem(itf_xvk_clusteritem& item, const clusterinfo& info) {
   return item.faceIds != nullptr || info.faceIds.empty();
 }
 
-// What a clustering run changes that the application can see afterwards:
-// the queued faces and the result. A run that fails part-way through an
-// exception puts it all back, so the handle is as before the call.
-struct RunState {
-  int initialFaceCount;
-  std::vector<Face> faces;
-  int clusterCount;
-  std::map<int, Cluster> clusters;
-  std::vector<Mat<float>> featureMats;
-
-  explicit RunState(const FaceClusteringSystem& engine)
-      : initialFaceCount(engine.initialFaceCount),
-        faces(engine.faces),
-        clusterCount(engine.clusterCount),
-        clusters(engine.clusters),
-        featureMats(engine.featureMats) {}
-
-  // Moves only: cannot fail. The kernel is rebuilt by every run, so it is
-  // emptied rather than kept.
-  void restore(FaceClusteringSystem& engine) {
-    engine.initialFaceCount = initialFaceCount;
-    engine.faces = std::move(faces);
-    engine.clusterCount = clusterCount;
-    engine.clusters = std::move(clusters);
-    engine.featureMats = std::move(featureMats);
-    engine.kernel.clear();
-  }
-};
-
 }  // namespace
 
 int FaceRecognition::itf_xvk_loadFaceFeature(float* feature, int faceId) {
-  return detail::guardPublicCall("itf_xvk_loadFaceFeature", -1, [&] {
-    if (!detail::requireReadyHandle(*this, "itf_xvk_loadFaceFeature")) return -1;
+  return detail::callOnReadyHandle(*this, "itf_xvk_loadFaceFeature", -1, [&] {
     if (feature == nullptr) {
       detail::logDebug("feature == NULL\n");
       return -1;
     }
+    // A load that runs out of memory queues nothing and logs why.
+    const unsigned long failures = detail::caughtAllocFailures();
     engine->loadFeatureVector(feature, faceId);
-    return 1;
+    return detail::caughtAllocFailures() == failures ? 1 : -1;
   });
 }
 
 int FaceRecognition::itf_xvk_runClustering(itf_xvk_clusterinfo* list) {
-  return detail::guardPublicCall("itf_xvk_runClustering", 0, [&] {
-    if (!detail::requireReadyHandle(*this, "itf_xvk_runClustering")) return 0;
+  return detail::callOnReadyHandle(*this, "itf_xvk_runClustering", 0, [&] {
     const int queuedFaces = engine->featureMats.empty() ? 0 : engine->featureMats[0].rowCount();
     std::vector<clusterinfo> existing;
     if (list != nullptr) {
       if (!isWellFormed(*list, queuedFaces)) return 0;
       existing = toEngineList(*list);
     }
-    RunState before(*engine);
-    try {
-      engine->clusteringFace(existing);
-    } catch (...) {
-      before.restore(*engine);
-      throw;  // logged as the run's failure, result 0
-    }
-    return 1;
+    // Any other failure is logged by the boundary as the run's failure.
+    if (detail::runClusteringOrUndo(*engine, existing)) return 1;
+    detail::logDebug("itf_xvk_runClustering failed: out of memory; nothing changed");
+    return 0;
   });
 }
 
 int FaceRecognition::itf_xvk_getClusterInfo(itf_xvk_clusterinfo* list) {
-  return detail::guardPublicCall("itf_xvk_getClusterInfo", 0, [&] {
-    if (!detail::requireReadyHandle(*this, "itf_xvk_getClusterInfo")) {
-      if (list != nullptr) list->count = 0;
-      return 0;
-    }
+  if (list != nullptr) list->count = 0;  // also what any failure leaves
+  return detail::callOnReadyHandle(*this, "itf_xvk_getClusterInfo", 0, [&] {
     if (list == nullptr) return 0;
-    list->count = 0;  // also what a failure below leaves
     const std::vector<clusterinfo> infos = engine->getClusterInfo();
     const int count = static_cast<int>(infos.size());
     list->count = count;
@@ -207,13 +169,11 @@ int FaceRecognition::itf_xvk_getClusterInfo(itf_xvk_clusterinfo* list) {
 }
 
 float* FaceRecognition::itf_xvk_getClusterFeature(float* features, int count) {
-  return detail::guardPublicCall("itf_xvk_getClusterFeature", static_cast<float*>(nullptr), [&] {
-    if (!detail::requireReadyHandle(*this, "itf_xvk_getClusterFeature")) {
-      return static_cast<float*>(nullptr);
-    }
-    if (features == nullptr || count <= 0) return static_cast<float*>(nullptr);
+  return detail::callOnReadyHandle(*this, "itf_xvk_getClusterFeature",
+                                   static_cast<float*>(nullptr), [&]() -> float* {
+    if (features == nullptr || count <= 0) return nullptr;
     const Vec<float> representative = engine->getClusterFeature(features, count);
-    if (representative.empty()) return static_cast<float*>(nullptr);
+    if (representative.empty()) return nullptr;
     float* copy = mallocCopy(representative.data(), representative.size());
     if (copy == nullptr) detail::logDebug("malloc fail!!!(copy in itf_xvk_getClusterFeature");
     return copy;
@@ -222,8 +182,7 @@ float* FaceRecognition::itf_xvk_getClusterFeature(float* features, int count) {
 
 int FaceRecognition::itf_xvk_recommendCluster(itf_xvk_clusterinfo* list, float* feature,
                                               int /*count*/) {
-  return detail::guardPublicCall("itf_xvk_recommendCluster", -1, [&] {
-    if (!detail::requireReadyHandle(*this, "itf_xvk_recommendCluster")) return -1;
+  return detail::callOnReadyHandle(*this, "itf_xvk_recommendCluster", -1, [&] {
     if (list == nullptr || list->items == nullptr || feature == nullptr || list->count < 1) {
       return -1;
     }

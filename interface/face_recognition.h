@@ -16,10 +16,12 @@
 //     leaves the library: an unexpected failure is logged and reported as the
 //     operation's failure value.
 //  2a. Running out of memory never makes the library read or write out of
-//     range, and always leaves one log line. Where the engine catches it
-//     ("malloc fail!!!(..." lines) the operation ends normally with the
-//     partial result it has; anything else ends the operation with its
-//     failure value (one "<operation> failed: ..." line).
+//     range, and always leaves a log line: the engine's "malloc fail!!!(..."
+//     lines where it occurs, or one "<operation> failed: ..." line. A
+//     clustering run or a load during which any allocation fails reports
+//     failure and changes nothing: no face and no cluster is lost. Other
+//     operations end with their failure value or, where stated, the partial
+//     result they have.
 //  3. Features are 960 floats. Pointers to features are read only and stay
 //     the caller's.
 //  4. Arrays the library hands out are allocated with malloc: the lists of
@@ -107,12 +109,9 @@ class XVKFC_EXPORT FaceRecognition {
   // `feature` under the application's `faceId` (ids should be unique; they
   // are what the cluster lists report). Returns 1; -1 for a null feature
   // (logs "feature == NULL").
-  // Out of memory: the face is not queued and 1 is still returned, with
-  // "malloc fail!!!(zeros in loadFeatureVector" logged, or with
-  // "malloc fail!!!(add face in loadFeatureVector" when the feature was
-  // stored but its face record was not. Such a feature without a face id
-  // takes no part in the next run (nor in any result) and is dropped by it:
-  // load the face again.
+  // Out of memory: the face is not queued and -1 is returned, with
+  // "malloc fail!!!(zeros in loadFeatureVector" or "malloc fail!!!(add face
+  // in loadFeatureVector" logged: load the face again.
   // REQUIRES: feature points to 960 floats.
   int itf_xvk_loadFaceFeature(float* feature, int faceId);
 
@@ -142,11 +141,13 @@ class XVKFC_EXPORT FaceRecognition {
   // negative faceCount, null faceIds for a positive faceCount, or (clusterId
   // 0 or more) a featureDim other than 0 or 960, or a null feature with
   // featureDim 960. `list` is only read.
-  // Out of memory: where the engine catches it (a "malloc fail!!!(..."
-  // line) the run ends with its partial result and returns 1; any other
-  // failure during the run returns 0 with one "itf_xvk_runClustering
-  // failed: ..." line and changes nothing, as for a malformed list: the
-  // previous result stays readable and the queued faces stay queued.
+  // Out of memory: a run during which any allocation fails returns 0 and
+  // changes nothing, as for a malformed list: the previous result stays
+  // readable and the queued faces stay queued, so running again later gives
+  // the full result. The engine's "malloc fail!!!(..." lines are logged
+  // where the failures occur, and the run adds one "itf_xvk_runClustering
+  // failed: ..." line. Any other failure during the run ends the same way.
+  // A run that returns 1 had no allocation failure.
   int itf_xvk_runClustering(itf_xvk_clusterinfo* list);
 
   // Writes the result of the last run into `list` and returns the number of

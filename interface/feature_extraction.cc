@@ -84,27 +84,18 @@ float* extractFeature(FaceRecognition& handle, unsigned char* image, int dataLen
 float* FaceRecognition::itf_xvk_extractFeature(unsigned char* image, int dataLength, int width,
                                                int height, itf_xvk_faceroi roi,
                                                itf_xvk_landmark* /*landmarks: never touched*/) {
-  return detail::guardPublicCall("itf_xvk_extractFeature", static_cast<float*>(nullptr), [&] {
-    if (!detail::requireReadyHandle(*this, "itf_xvk_extractFeature")) {
-      return static_cast<float*>(nullptr);
-    }
-    return extractFeature(*this, image, dataLength, width, height, roi);
-  });
+  return detail::callOnReadyHandle(*this, "itf_xvk_extractFeature", static_cast<float*>(nullptr),
+                                   [&] { return extractFeature(*this, image, dataLength, width, height, roi); });
 }
 
 float* FaceRecognition::itf_xvk_extractFeature(unsigned char* image, int dataLength, int width,
                                                int height, itf_xvk_faceroi roi) {
-  return detail::guardPublicCall("itf_xvk_extractFeature", static_cast<float*>(nullptr), [&] {
-    if (!detail::requireReadyHandle(*this, "itf_xvk_extractFeature")) {
-      return static_cast<float*>(nullptr);
-    }
-    return extractFeature(*this, image, dataLength, width, height, roi);
-  });
+  return detail::callOnReadyHandle(*this, "itf_xvk_extractFeature", static_cast<float*>(nullptr),
+                                   [&] { return extractFeature(*this, image, dataLength, width, height, roi); });
 }
 
 int FaceRecognition::itf_xvk_compareFeature(float* reg, float* test) {
-  return detail::guardPublicCall("itf_xvk_compareFeature", -1, [&] {
-    if (!detail::requireReadyHandle(*this, "itf_xvk_compareFeature")) return -1;
+  return detail::callOnReadyHandle(*this, "itf_xvk_compareFeature", -1, [&] {
     if (reg == nullptr) {
       detail::logDebug("reg == NULL\n");
       return -1;

@@ -6,6 +6,7 @@
 
 #include "clustering/face_clustering_system.h"
 #include "interface/face_recognition.h"
+#include "interface/public_call.h"
 #include "platform/log.h"
 
 namespace detail {
@@ -27,6 +28,18 @@ inline bool requireReadyHandle(const FaceRecognition& handle, const char* operat
   if (isReadyHandle(handle)) return true;
   logDebug("%s: the handle is not ready (no successful itf_xvk_Init)", operation);
   return false;
+}
+
+// The boundary of every itf_xvk_* operation that uses the handle's objects:
+// `failure` with one line when the handle is not ready, otherwise `body`
+// under guardPublicCall.
+template <typename Result, typename Body>
+Result callOnReadyHandle(const FaceRecognition& handle, const char* operation, Result failure,
+                         Body&& body) {
+  return guardPublicCall(operation, failure, [&]() -> Result {
+    if (!requireReadyHandle(handle, operation)) return failure;
+    return body();
+  });
 }
 
 }  // namespace detail

@@ -4,7 +4,6 @@
 #include "clustering/thresholds.h"
 #include "interface/face_recognition.h"
 #include "interface/handle_readiness.h"
-#include "interface/public_call.h"
 
 static_assert(xvkfc::kFeatureDim == detail::kFeatureDim);
 static_assert(xvkfc::kSplitSimilarity == detail::kSplitSimilarity);
@@ -23,12 +22,8 @@ int discardQueuedFaces(FaceRecognition* handle) {
     detail::logDebug("discardQueuedFaces: null handle");
     return -1;
   }
-  return detail::guardPublicCall("discardQueuedFaces", -1, [&] {
-    if (!detail::requireReadyHandle(*handle, "discardQueuedFaces")) return -1;
-    FaceClusteringSystem& engine = *handle->engine;
-    engine.faces.clear();
-    engine.kernel.clear();
-    detail::resetFeatureMats(engine.featureMats, engine.emptyFeatureMat);
+  return detail::callOnReadyHandle(*handle, "discardQueuedFaces", -1, [&] {
+    detail::dropLoadedFaces(*handle->engine);
     return 1;
   });
 }

@@ -9,6 +9,14 @@
 
 namespace detail {
 
+// How many allocation failures runOrLogAllocFailure has caught on this
+// thread. An operation that must not end with a partial result compares it
+// before and after (clustering/clustering_run.h).
+inline unsigned long& caughtAllocFailures() {
+  static thread_local unsigned long count = 0;
+  return count;
+}
+
 // Runs `body`. If it throws std::bad_alloc, logs `message` as one debug line
 // and returns false; otherwise returns true. Other exceptions pass through.
 // Every place where the engine survives running out of memory is one call:
@@ -20,6 +28,7 @@ bool runOrLogAllocFailure(const char* message, Body&& body) {
     return true;
   } catch (const std::bad_alloc&) {
     logDebug("%s", message);
+    ++caughtAllocFailures();
     return false;
   }
 }
