@@ -5,6 +5,7 @@
 #include "interface/face_recognition.h"
 #include "interface/handle_readiness.h"
 #include "interface/public_call.h"
+#include "platform/log.h"
 
 static_assert(xvkfc::kFeatureDim == detail::kFeatureDim);
 static_assert(xvkfc::kSplitSimilarity == detail::kSplitSimilarity);
@@ -32,5 +33,9 @@ int discardQueuedFaces(FaceRecognition* handle) {
     return 1;
   });
 }
+
+const char* lastLogLine() { return detail::lastLoggedLine(); }
+
+void clearLastLogLine() { detail::forgetLastLoggedLine(); }
 
 }  // namespace xvkfc
