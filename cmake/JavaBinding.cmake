@@ -11,6 +11,10 @@ if(ANDROID)
 endif()
 
 find_package(Java 1.8 COMPONENTS Development QUIET)
+if(Java_JAVAC_EXECUTABLE)
+  # Here, at the top, so that add_jar has its settings in every folder.
+  include(UseJava)
+endif()
 set(_jdk_include_hints)
 if(DEFINED ENV{JAVA_HOME})
   list(APPEND _jdk_include_hints $ENV{JAVA_HOME}/include)
