@@ -1,9 +1,6 @@
 package org.xvkfc;
 
-import static org.junit.jupiter.api.Assertions.assertArrayEquals;
 import static org.junit.jupiter.api.Assertions.assertEquals;
-import static org.junit.jupiter.api.Assertions.assertNotNull;
-import static org.junit.jupiter.api.Assertions.assertNull;
 import static org.junit.jupiter.api.Assertions.assertThrows;
 import static org.junit.jupiter.api.Assertions.assertTrue;
 
@@ -77,21 +74,6 @@ class EngineTest {
   }
 
   @Test
-  void extractsFromTexturedFacesOnly() {
-    int width = 33, height = 17; // odd: chroma planes round up
-    byte[] image = new byte[width * height + 2 * 17 * 9];
-    Arrays.fill(image, (byte) 128);
-    try (FaceClusterEngine engine = new FaceClusterEngine(TestFaces.MODELS)) {
-      assertNull(engine.extractFeature(image, width, height, 0, 0, width, height));
-      for (int i = 0; i < width * height; ++i) image[i] = (byte) (i * 37);
-      float[] feature = engine.extractFeature(image, width, height, 0, 0, width, height);
-      assertNotNull(feature);
-      assertEquals(960, feature.length);
-      assertNull(engine.extractFeature(image, width, height, width, 0, 8, 8)); // off the image
-    }
-  }
-
-  @Test
   void aClosedEngineThrowsAndClosesAgainQuietly() {
     FaceClusterEngine engine = new FaceClusterEngine(TestFaces.MODELS);
     engine.close();
@@ -128,19 +110,5 @@ class EngineTest {
           () -> engine.representative(new float[][] {faces.face(0)}));
       assertEquals(1, TestFaces.clusterOfFace(engine.cluster(new Cluster[0])).size());
     }
-  }
-
-  @Test
-  void clustersKeepTheirArraysToThemselves() {
-    float[] feature = new TestFaces(5, 1).face(0);
-    int[] ids = {4, 5};
-    Cluster cluster = new Cluster(0, ids, feature, 4);
-    ids[0] = 9;
-    feature[0] = 9;
-    cluster.faceIds()[1] = 9;
-    assertArrayEquals(new int[] {4, 5}, cluster.faceIds());
-    assertTrue(cluster.feature()[0] < 1);
-    assertNull(new Cluster(-1, ids, feature, -1).feature());
-    assertNull(new Cluster(3, ids, new float[0], 4).feature());
   }
 }
