@@ -4,6 +4,7 @@
 #include "clustering/thresholds.h"
 #include "interface/face_recognition.h"
 #include "interface/handle_readiness.h"
+#include "platform/log.h"
 
 static_assert(xvkfc::kFeatureDim == detail::kFeatureDim);
 static_assert(xvkfc::kSplitSimilarity == detail::kSplitSimilarity);
@@ -27,5 +28,9 @@ int discardQueuedFaces(FaceRecognition* handle) {
     return 1;
   });
 }
+
+const char* lastLogLine() { return detail::lastLoggedLine(); }
+
+void clearLastLogLine() { detail::forgetLastLoggedLine(); }
 
 }  // namespace xvkfc

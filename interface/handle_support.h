@@ -41,6 +41,14 @@ XVKFC_EXPORT bool isHandleReady(const FaceRecognition* handle);
 // queue is then empty all the same).
 XVKFC_EXPORT int discardQueuedFaces(FaceRecognition* handle);
 
+// The last line the library logged on the calling thread (without the tag),
+// "" before the first line or after clearLastLogLine. Lets a binding report
+// why an operation returned its failure value: clear, call, and read this
+// when the result says failure. The text is the thread's own and stays
+// valid until the library logs again on this thread. Never null.
+XVKFC_EXPORT const char* lastLogLine();
+XVKFC_EXPORT void clearLastLogLine();
+
 }  // namespace xvkfc
 
 #endif  // XVKFC_INTERFACE_HANDLE_SUPPORT_H_

@@ -12,6 +12,7 @@ packages=(
   nlohmann-json3-dev libcli11-dev libstb-dev
   clang libclang-rt-14-dev
   chromium
+  openjdk-17-jdk-headless junit5
 )
 
 as_root() {
