@@ -1,12 +1,12 @@
-#include "tools/report.h"
+#include "tools/report/report.h"
 
 #include <gtest/gtest.h>
 
 #include <tuple>
 
 #include "html_check.h"
-#include "tools/charts.h"
-#include "tools/cluster_doubts.h"
+#include "tools/report/charts.h"
+#include "tools/report/cluster_doubts.h"
 
 namespace tool {
 namespace {
