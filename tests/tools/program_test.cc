@@ -64,6 +64,7 @@ TEST_F(ProgramTest, BadInputGivesOneLineAndLeavesNoOutput) {
   folder_.write("broken.json", "{\"clusters\": [");
   folder_.write("bucket.json", R"({"clusters": [{"cluster_id": -1, "face_ids": [1]}]})");
   const std::string ids = folder_.write("ids.txt", "1 2");
+  const std::string labels = folder_.write("labels.txt", "7");
   const int inputs = folder_.entries();
 
   const struct {
@@ -73,6 +74,7 @@ TEST_F(ProgramTest, BadInputGivesOneLineAndLeavesNoOutput) {
       {{Path("absent.npy")}, "absent.npy: cannot open"},
       {{Path("short.raw")}, "truncated"},
       {{features, "--ids", ids, "--existing", Path("broken.json")}, "broken.json: malformed JSON"},
+      {{features, "--labels", labels}, "labels for 2 features"},
       {{features, "--ids", ids, "--existing", Path("bucket.json")},
        "face id 1 is already in the existing clusters"},
       // Checked before any work: out.json is not written either.
