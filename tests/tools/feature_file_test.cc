@@ -6,6 +6,7 @@
 #include <limits>
 
 #include "process.h"
+#include "tools/formats/id_list.h"
 #include "tools/formats/npy.h"
 #include "tools/tool_error.h"
 

@@ -15,6 +15,7 @@
 #include "tools/formats/atomic_file.h"
 #include "tools/formats/cluster_json.h"
 #include "tools/formats/feature_file.h"
+#include "tools/formats/id_list.h"
 #include "tools/formats/npy.h"
 #include "tools/formats/png_image.h"
 

@@ -8,6 +8,7 @@
 #include "tools/commands/commands.h"
 #include "tools/formats/assignments.h"
 #include "tools/formats/cluster_json.h"
+#include "tools/formats/id_list.h"
 #include "tools/formats/labels.h"
 #include "tools/formats/metrics_json.h"
 #include "tools/formats/output_paths.h"

@@ -6,6 +6,7 @@
 
 #include "tools/commands/commands.h"
 #include "tools/formats/cluster_json.h"
+#include "tools/formats/id_list.h"
 #include "tools/formats/output_paths.h"
 #include "tools/run/engine_session.h"
 #include "tools/tool_error.h"

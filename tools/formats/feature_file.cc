@@ -4,9 +4,6 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
-#include <limits>
-#include <set>
-#include <sstream>
 
 #include "tools/formats/atomic_file.h"
 #include "tools/formats/npy.h"
@@ -32,14 +29,6 @@ void appendLittleEndian(std::string& out, float value) {
   for (int i = 0; i < 4; ++i) out += static_cast<char>((bits >> (8 * i)) & 0xff);
 }
 
-int64_t intFromLittleEndian(const char* bytes, size_t width) {
-  uint64_t bits = 0;
-  for (size_t i = 0; i < width; ++i)
-    bits |= static_cast<uint64_t>(static_cast<unsigned char>(bytes[i])) << (8 * i);
-  if (width == 4) return static_cast<int32_t>(static_cast<uint32_t>(bits));
-  return static_cast<int64_t>(bits);
-}
-
 FeatureMatrix featuresFromBytes(const std::string& data, const std::string& source) {
   FeatureMatrix features;
   features.values.resize(data.size() / sizeof(float));
@@ -63,18 +52,12 @@ std::string narrowDoubles(const std::string& data, const std::string& source) {
   std::string narrowed;
   narrowed.reserve(data.size() / 2);
   for (size_t i = 0; i + sizeof(double) <= data.size(); i += sizeof(double)) {
-    const uint64_t bits = static_cast<uint64_t>(intFromLittleEndian(data.data() + i, 8));
+    const uint64_t bits = static_cast<uint64_t>(npyLittleEndianInt(data.data() + i, 8));
     double value;
     std::memcpy(&value, &bits, sizeof value);
     appendLittleEndian(narrowed, static_cast<float>(value));
   }
   return narrowed;
-}
-
-std::string shapeText(const std::vector<uint64_t>& shape) {
-  std::string text = "(";
-  for (size_t i = 0; i < shape.size(); ++i) text += (i ? ", " : "") + std::to_string(shape[i]);
-  return text + ")";
 }
 
 }  // namespace
@@ -93,7 +76,7 @@ FeatureMatrix readFeatures(const std::string& path) {
     const bool matrix = array.shape.size() == 2 && array.shape[1] == kFeatureDim;
     if (!oneFeature && !matrix) {
       throw ToolError(path + ": features must have shape (N, 960), the file holds " +
-                      shapeText(array.shape));
+                      npyShapeText(array.shape));
     }
     if (array.descr == "<f8") return featuresFromBytes(narrowDoubles(array.data, path), path);
     return featuresFromBytes(array.data, path);
@@ -117,80 +100,6 @@ std::string encodeFeatures(const std::string& path, const FeatureMatrix& feature
 
 void writeFeatures(const std::string& path, const FeatureMatrix& features) {
   writeFileAtomically(path, encodeFeatures(path, features));
-}
-
-std::vector<int> readIntList(const std::string& path, const std::string& what, bool allowPairs) {
-  const std::string bytes = readWholeFile(path);
-  std::vector<int64_t> wide;
-  if (hasSuffix(path, ".npy")) {
-    const NpyArray array = parseNpy(bytes, path);
-    const size_t width = npyElementSize(array.descr);
-    if (array.descr != "<i4" && array.descr != "<i8" && array.descr != "<u4") {
-      throw ToolError(path + ": " + what +
-                      " must be integers ('<i4', '<i8' or '<u4'), the file holds '" + array.descr +
-                      "'");
-    }
-    const bool pairs = allowPairs && array.shape.size() == 2 && array.shape[1] == 2;
-    if (array.shape.size() != 1 && !pairs) {
-      throw ToolError(path + ": " + what + " must have shape (N,)" +
-                      (allowPairs ? " or (N, 2)" : "") + ", the file holds " +
-                      shapeText(array.shape));
-    }
-    if (array.descr == "<u4") {
-      std::fprintf(stderr, "xvkfc: note: %s: uint32 %s read as int32\n", path.c_str(),
-                   what.c_str());
-    }
-    for (size_t i = 0; i < static_cast<size_t>(array.elementCount()); ++i) {
-      int64_t value = intFromLittleEndian(array.data.data() + i * width, width);
-      if (array.descr == "<u4") value = static_cast<uint32_t>(value);
-      wide.push_back(value);
-    }
-  } else {
-    std::istringstream in(bytes);
-    std::string word;
-    while (in >> word) {
-      size_t used = 0;
-      long long value = 0;
-      try {
-        value = std::stoll(word, &used);
-      } catch (const std::exception&) {
-        used = 0;
-      }
-      if (used != word.size()) {
-        throw ToolError(path + ": '" + word + "' is not an integer (" + what + " entry " +
-                        std::to_string(wide.size()) + ")");
-      }
-      wide.push_back(value);
-    }
-  }
-  std::vector<int> values;
-  for (int64_t value : wide) {
-    if (value < std::numeric_limits<int>::min() || value > std::numeric_limits<int>::max()) {
-      throw ToolError(path + ": " + what + " entry " + std::to_string(values.size()) +
-                      " does not fit a 32-bit int");
-    }
-    values.push_back(static_cast<int>(value));
-  }
-  return values;
-}
-
-std::vector<int> readFaceIds(const std::string& path, int rows) {
-  std::vector<int> ids;
-  if (path.empty()) {
-    for (int i = 0; i < rows; ++i) ids.push_back(i);
-    return ids;
-  }
-  ids = readIntList(path, "face ids");
-  if (ids.size() != static_cast<size_t>(rows)) {
-    throw ToolError(path + ": holds " + std::to_string(ids.size()) + " face ids for " +
-                    std::to_string(rows) + " features");
-  }
-  std::set<int> seen;
-  for (int id : ids) {
-    if (!seen.insert(id).second)
-      throw ToolError(path + ": duplicate face id " + std::to_string(id));
-  }
-  return ids;
 }
 
 }  // namespace tool

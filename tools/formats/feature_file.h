@@ -1,12 +1,10 @@
-// Feature, face id and label files: what the subcommands read and write.
+// Feature files: what the subcommands read and write.
 //
 // Features are rows of 960 float32 values, in one of two layouts chosen by
 // the file name: "*.npy" is a NumPy array of dtype <f4 and shape (N, 960)
 // (or (960,) for one feature), or <f8 (NumPy's default), converted to float32
 // with a note on standard error; any other name is raw little-endian float32,
 // N * 960 values with nothing else in the file.
-// Integer lists (face ids, identity labels) are "*.npy" arrays of dtype <i4
-// or <i8 and shape (N,), or text files of whitespace-separated integers.
 #ifndef XVKFC_TOOLS_FORMATS_FEATURE_FILE_H_
 #define XVKFC_TOOLS_FORMATS_FEATURE_FILE_H_
 
@@ -46,20 +44,6 @@ std::string encodeFeatures(const std::string& path, const FeatureMatrix& feature
 
 // Writes `features` to `path` without ever leaving a partial file.
 void writeFeatures(const std::string& path, const FeatureMatrix& features);
-
-// Reads an integer list. `what` names the list in messages ("face ids").
-// A .npy list may be int32, int64 or uint32 (the last with a note on
-// standard error); with `allowPairs` it may also have shape (N, 2), read row
-// by row. Throws ToolError for a missing file, a word that is not an
-// integer, a value outside the int range, or a .npy file of another dtype or
-// shape.
-std::vector<int> readIntList(const std::string& path, const std::string& what,
-                             bool allowPairs = false);
-
-// Face ids for `rows` features: the list in `path`, or 0..rows-1 when `path`
-// is empty. Throws ToolError when the list does not have `rows` entries or
-// names a face twice.
-std::vector<int> readFaceIds(const std::string& path, int rows);
 
 }  // namespace tool
 

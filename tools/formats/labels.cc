@@ -3,7 +3,7 @@
 #include <sstream>
 
 #include "tools/formats/atomic_file.h"
-#include "tools/formats/feature_file.h"
+#include "tools/formats/id_list.h"
 #include "tools/formats/npy.h"
 #include "tools/tool_error.h"
 

@@ -171,4 +171,18 @@ std::string encodeNpy(const std::string& descr, const std::vector<uint64_t>& sha
   return bytes;
 }
 
+int64_t npyLittleEndianInt(const char* bytes, size_t width) {
+  uint64_t bits = 0;
+  for (size_t i = 0; i < width; ++i)
+    bits |= static_cast<uint64_t>(static_cast<unsigned char>(bytes[i])) << (8 * i);
+  if (width == 4) return static_cast<int32_t>(static_cast<uint32_t>(bits));
+  return static_cast<int64_t>(bits);
+}
+
+std::string npyShapeText(const std::vector<uint64_t>& shape) {
+  std::string text = "(";
+  for (size_t i = 0; i < shape.size(); ++i) text += (i ? ", " : "") + std::to_string(shape[i]);
+  return text + ")";
+}
+
 }  // namespace tool

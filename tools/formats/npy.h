@@ -37,6 +37,12 @@ std::string int32Data(const std::vector<int>& values);
 // Bytes per element of a dtype text; 0 for a dtype the program does not know.
 size_t npyElementSize(const std::string& descr);
 
+// The signed integer in `width` (4 or 8) little-endian bytes.
+int64_t npyLittleEndianInt(const char* bytes, size_t width);
+
+// A shape as NumPy prints it: "(2, 960)".
+std::string npyShapeText(const std::vector<uint64_t>& shape);
+
 }  // namespace tool
 
 #endif  // XVKFC_TOOLS_FORMATS_NPY_H_
