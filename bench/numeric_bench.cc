@@ -17,7 +17,7 @@ std::vector<float> symmetricMatrix(int n) {
   for (int i = 0; i < n; ++i) {
     m[size_t(i) * n + i] = 1.0f;
     for (int j = i + 1; j < n; ++j) {
-      const float v = 0.5f + 0.5f * random.next();
+      const float v = 0.5f + 0.5f * random.symmetric();
       m[size_t(i) * n + j] = v;
       m[size_t(j) * n + i] = v;
     }

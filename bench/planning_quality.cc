@@ -20,10 +20,11 @@
 #include <string>
 #include <vector>
 
+#include "evaluation/quality.h"
+#include "evaluation/synthetic_gallery.h"
 #include "interface/face_recognition.h"
+#include "interface/handle_support.h"
 #include "planning/planned_clustering.h"
-#include "tools/gallery.h"
-#include "tools/quality.h"
 
 class CFRecogInterface;
 
@@ -42,25 +43,25 @@ extern "C" float __wrap__ZN16CFRecogInterface13RunComparisonEPfS0_(CFRecogInterf
 
 namespace {
 
-constexpr int kDim = 960;
-
 struct Outcome {
-  std::vector<tool::ClusterRecord> clusters;
+  std::vector<int> clusterOfFace;  // per gallery row
+  int clusters = 0;
+  int unclustered = 0;
   int64_t calls = 0;
   double seconds = 0.0;
   int runs = 0;
   int rounds = 1;
 };
 
-std::vector<tool::ClusterRecord> toRecords(const itf_xvk_clusterinfo& list) {
-  std::vector<tool::ClusterRecord> records;
+void recordResult(const itf_xvk_clusterinfo& list, const evaluation::Gallery& gallery,
+                  Outcome& outcome) {
+  outcome.clusterOfFace = evaluation::clusterOfFaces(list, gallery.faceIds);
   for (int i = 0; i < list.count; ++i) {
-    tool::ClusterRecord record;
-    record.id = list.items[i].clusterId;
-    record.faceIds.assign(list.items[i].faceIds, list.items[i].faceIds + list.items[i].faceCount);
-    records.push_back(std::move(record));
+    if (list.items[i].clusterId >= 0)
+      ++outcome.clusters;
+    else
+      outcome.unclustered += list.items[i].faceCount;
   }
-  return records;
 }
 
 double secondsSince(std::chrono::steady_clock::time_point start) {
@@ -68,7 +69,7 @@ double secondsSince(std::chrono::steady_clock::time_point start) {
 }
 
 // Runs of `runSize` faces in the given order, each fed the previous result.
-Outcome runInOrder(FaceRecognition& handle, const tool::Gallery& gallery,
+Outcome runInOrder(FaceRecognition& handle, const evaluation::Gallery& gallery,
                    const std::vector<int>& order, int runSize) {
   Outcome outcome;
   const int64_t callsBefore = comparatorCalls;
@@ -78,8 +79,7 @@ Outcome runInOrder(FaceRecognition& handle, const tool::Gallery& gallery,
     const std::size_t end = std::min(order.size(), begin + runSize);
     for (std::size_t k = begin; k < end; ++k) {
       const int row = order[k];
-      handle.itf_xvk_loadFaceFeature(const_cast<float*>(gallery.features.row(row)),
-                                     gallery.faceIds[row]);
+      handle.itf_xvk_loadFaceFeature(const_cast<float*>(gallery.row(row)), gallery.faceIds[row]);
     }
     handle.itf_xvk_runClustering(outcome.runs == 0 ? nullptr : &current);
     handle.itf_xvk_releaseClusterInfo(&current);
@@ -88,26 +88,26 @@ Outcome runInOrder(FaceRecognition& handle, const tool::Gallery& gallery,
   }
   outcome.seconds = secondsSince(start);
   outcome.calls = comparatorCalls - callsBefore;
-  outcome.clusters = toRecords(current);
+  recordResult(current, gallery, outcome);
   handle.itf_xvk_releaseClusterInfo(&current);
   return outcome;
 }
 
-Outcome runPlanned(FaceRecognition& handle, const tool::Gallery& gallery, int runSize, int rounds) {
+Outcome runPlanned(FaceRecognition& handle, const evaluation::Gallery& gallery, int runSize,
+                   int rounds) {
   Outcome outcome;
   const int64_t callsBefore = comparatorCalls;
   const auto start = std::chrono::steady_clock::now();
   itf_xvk_clusterinfo result{0, nullptr};
   PlannedClusteringStats stats;
-  if (clusterInPlannedRuns(&handle, gallery.features.values.data(), gallery.faceIds.data(),
-                           gallery.features.rows(), nullptr, runSize, rounds, &result,
-                           &stats) < 0) {
+  if (clusterInPlannedRuns(&handle, gallery.features.data(), gallery.faceIds.data(),
+                           gallery.faces(), nullptr, runSize, rounds, &result, &stats) < 0) {
     std::fprintf(stderr, "clusterInPlannedRuns failed\n");
     std::exit(1);
   }
   outcome.seconds = secondsSince(start);
   outcome.calls = comparatorCalls - callsBefore;
-  outcome.clusters = toRecords(result);
+  recordResult(result, gallery, outcome);
   outcome.runs = stats.runs;
   outcome.rounds = stats.rounds;
   std::printf("  (plan comparisons %lld of the total)\n",
@@ -116,20 +116,13 @@ Outcome runPlanned(FaceRecognition& handle, const tool::Gallery& gallery, int ru
   return outcome;
 }
 
-void printRow(const char* name, const Outcome& outcome, const tool::Gallery& gallery) {
-  const tool::Quality q = tool::measureQuality(
-      tool::clusterOfFaces(outcome.clusters, gallery.faceIds), gallery.identities);
-  int clusters = 0, unclustered = 0;
-  for (const tool::ClusterRecord& c : outcome.clusters) {
-    if (c.id >= 0)
-      ++clusters;
-    else
-      unclustered += static_cast<int>(c.faceIds.size());
-  }
+void printRow(const char* name, const Outcome& outcome, const evaluation::Gallery& gallery) {
+  const evaluation::Quality q =
+      evaluation::measureQuality(outcome.clusterOfFace, gallery.identities);
   std::printf("| %-16s | %.3f %.3f %.3f | %.3f %.3f %.3f | %5d | %5d | %4d/%d | %11lld | %7.1f |\n",
               name, q.pairwise.precision, q.pairwise.recall, q.pairwise.f, q.bcubed.precision,
-              q.bcubed.recall, q.bcubed.f, clusters, unclustered, outcome.runs, outcome.rounds,
-              static_cast<long long>(outcome.calls), outcome.seconds);
+              q.bcubed.recall, q.bcubed.f, outcome.clusters, outcome.unclustered, outcome.runs,
+              outcome.rounds, static_cast<long long>(outcome.calls), outcome.seconds);
   std::fflush(stdout);
 }
 
@@ -139,8 +132,8 @@ void printRow(const char* name, const Outcome& outcome, const tool::Gallery& gal
 double maxNoise = 0.9;
 int lookAlikesPer100People = 0;
 
-tool::Gallery benchGallery(int faces) {
-  tool::GalleryOptions options;
+evaluation::Gallery benchGallery(int faces) {
+  evaluation::GalleryOptions options;
   options.seed = 20261123;
   options.people = faces / 5;
   options.minFaces = 2;
@@ -150,14 +143,7 @@ tool::Gallery benchGallery(int faces) {
   options.duplicates = faces / 100;
   options.minNoise = 0.3;
   options.maxNoise = maxNoise;
-  tool::Gallery all = tool::makeGallery(options);
-  const int rows = std::min(faces, all.features.rows());
-  tool::Gallery gallery;
-  gallery.features.values.assign(all.features.values.begin(),
-                                 all.features.values.begin() + std::size_t(rows) * kDim);
-  gallery.faceIds.assign(all.faceIds.begin(), all.faceIds.begin() + rows);
-  gallery.identities.assign(all.identities.begin(), all.identities.begin() + rows);
-  return gallery;
+  return evaluation::firstFaces(evaluation::makeGallery(options), faces);
 }
 
 }  // namespace
@@ -184,22 +170,22 @@ int main(int argc, char** argv) {
   if (sizes.empty()) sizes = {2000};
 
   FaceRecognition handle;
-  if (handle.itf_xvk_Init(".") != kDim) {
+  if (handle.itf_xvk_Init(".") != xvkfc::kFeatureDim) {
     std::fprintf(stderr, "itf_xvk_Init failed\n");
     return 1;
   }
   for (int faces : sizes) {
-    const tool::Gallery gallery = benchGallery(faces);
+    const evaluation::Gallery gallery = benchGallery(faces);
     const int people = static_cast<int>(
         std::set<int>(gallery.identities.begin(), gallery.identities.end()).size());
     std::printf(
         "\n%d faces of %d people (noise 0.3 to %.2f, %d%% look-alikes), runs of %d, up to %d "
         "rounds\n",
-        gallery.features.rows(), people, maxNoise, lookAlikesPer100People, runSize, rounds);
+        gallery.faces(), people, maxNoise, lookAlikesPer100People, runSize, rounds);
     std::printf(
         "| way              | pairwise P R F    | BCubed P R F      | clust | uncl. | runs/rd | "
         "comparisons | seconds |\n");
-    std::vector<int> arrival(gallery.features.rows());
+    std::vector<int> arrival(gallery.faces());
     std::iota(arrival.begin(), arrival.end(), 0);
     std::vector<int> byIdentity = arrival;
     std::stable_sort(byIdentity.begin(), byIdentity.end(),
@@ -209,7 +195,7 @@ int main(int argc, char** argv) {
     printRow("identity-sorted", runInOrder(handle, gallery, byIdentity, runSize), gallery);
     printRow("in order", runInOrder(handle, gallery, arrival, runSize), gallery);
     if (single) {
-      printRow("one run", runInOrder(handle, gallery, arrival, gallery.features.rows()), gallery);
+      printRow("one run", runInOrder(handle, gallery, arrival, gallery.faces()), gallery);
     }
   }
   handle.itf_xvk_Release();

@@ -3,8 +3,8 @@
 #include <cstdio>
 #include <vector>
 
-#include "tools/commands.h"
-#include "tools/library_log.h"
+#include "tools/commands/commands.h"
+#include "tools/run/library_log.h"
 #include "tools/tool_error.h"
 #include "tools/version.h"
 

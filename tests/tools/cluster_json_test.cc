@@ -1,4 +1,4 @@
-#include "tools/cluster_json.h"
+#include "tools/formats/cluster_json.h"
 
 #include <gtest/gtest.h>
 
@@ -8,7 +8,7 @@
 #include <limits>
 #include <tuple>
 
-#include "tools/feature_file.h"
+#include "tools/formats/feature_file.h"
 #include "tools/tool_error.h"
 
 namespace tool {

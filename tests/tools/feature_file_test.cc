@@ -1,4 +1,4 @@
-#include "tools/feature_file.h"
+#include "tools/formats/feature_file.h"
 
 #include <gtest/gtest.h>
 
@@ -6,7 +6,8 @@
 #include <limits>
 
 #include "process.h"
-#include "tools/npy.h"
+#include "tools/formats/id_list.h"
+#include "tools/formats/npy.h"
 #include "tools/tool_error.h"
 
 namespace tool {

@@ -7,11 +7,11 @@
 
 #include <limits>
 
+#include "evaluation/synthetic_gallery.h"
 #include "process.h"
-#include "tools/atomic_file.h"
-#include "tools/cluster_json.h"
-#include "tools/feature_file.h"
-#include "tools/gallery.h"
+#include "tools/formats/atomic_file.h"
+#include "tools/formats/cluster_json.h"
+#include "tools/formats/feature_file.h"
 #include "tools/tool_error.h"
 
 namespace tool {
@@ -25,7 +25,8 @@ class HostileInputTest : public testing::Test {
   std::string Path(const std::string& name) const { return folder_.path(name); }
   // Five faces: two people of two faces and one lone face.
   std::string Features() {
-    writeFeatures(Path("f.npy"), makeGallery({7, 2, 2, 2, 0, 1, 0}).features);
+    writeFeatures(Path("f.npy"),
+                  FeatureMatrix{evaluation::makeGallery({7, 2, 2, 2, 0, 1, 0}).features});
     return Path("f.npy");
   }
 

@@ -8,15 +8,16 @@
 #include <map>
 #include <sstream>
 
+#include "evaluation/synthetic_gallery.h"
 #include "html_check.h"
 #include "interface/face_recognition.h"
 #include "process.h"
-#include "tools/atomic_file.h"
-#include "tools/cluster_json.h"
-#include "tools/feature_file.h"
-#include "tools/gallery.h"
-#include "tools/npy.h"
-#include "tools/png_image.h"
+#include "tools/formats/atomic_file.h"
+#include "tools/formats/cluster_json.h"
+#include "tools/formats/feature_file.h"
+#include "tools/formats/id_list.h"
+#include "tools/formats/npy.h"
+#include "tools/formats/png_image.h"
 
 namespace tool {
 namespace {
@@ -64,6 +65,7 @@ TEST_F(ProgramTest, BadInputGivesOneLineAndLeavesNoOutput) {
   folder_.write("broken.json", "{\"clusters\": [");
   folder_.write("bucket.json", R"({"clusters": [{"cluster_id": -1, "face_ids": [1]}]})");
   const std::string ids = folder_.write("ids.txt", "1 2");
+  const std::string labels = folder_.write("labels.txt", "7");
   const int inputs = folder_.entries();
 
   const struct {
@@ -73,6 +75,7 @@ TEST_F(ProgramTest, BadInputGivesOneLineAndLeavesNoOutput) {
       {{Path("absent.npy")}, "absent.npy: cannot open"},
       {{Path("short.raw")}, "truncated"},
       {{features, "--ids", ids, "--existing", Path("broken.json")}, "broken.json: malformed JSON"},
+      {{features, "--labels", labels}, "labels for 2 features"},
       {{features, "--ids", ids, "--existing", Path("bucket.json")},
        "face id 1 is already in the existing clusters"},
       // Checked before any work: out.json is not written either.
@@ -197,10 +200,11 @@ TEST_F(ProgramTest, EveryWayOfBatchingGivesTheClustersOfTheLibraryCalledDirectly
 
 TEST_F(ProgramTest, FeatureOperations) {
   // Seed 1234: 5 people of 2 to 5 faces, one a look-alike, and 3 lone faces.
-  const Gallery gallery = makeGallery({1234, 5, 2, 5, 1, 3, 0});
-  const int rows = gallery.features.rows();
+  const evaluation::Gallery gallery = evaluation::makeGallery({1234, 5, 2, 5, 1, 3, 0});
+  const FeatureMatrix galleryFeatures{gallery.features};
+  const int rows = gallery.faces();
   const std::string features = Path("features.npy");
-  writeFeatures(features, gallery.features);
+  writeFeatures(features, galleryFeatures);
 
   // compare: one row per feature, the diagonal 1023; --verbose adds the library's log.
   const ProcessResult compare = runProgram({"-q", "--verbose", "compare", features});
@@ -241,7 +245,7 @@ TEST_F(ProgramTest, FeatureOperations) {
   EXPECT_EQ(representative.out, std::to_string(chosen) + "\t" + std::to_string(chosen) + "\n");
   const FeatureMatrix written = readFeatures(Path("r.npy"));
   ASSERT_EQ(written.rows(), 1);
-  EXPECT_EQ(std::memcmp(written.row(0), gallery.features.row(chosen), 3840), 0);
+  EXPECT_EQ(std::memcmp(written.row(0), gallery.row(chosen), 3840), 0);
 
   // A stored cluster's representative is its representative face.
   const ClusterRecord stored = readClusters(Path("c.json")).back();

@@ -1,0 +1,66 @@
+#include "tools/formats/labels.h"
+
+#include <sstream>
+
+#include "tools/formats/atomic_file.h"
+#include "tools/formats/id_list.h"
+#include "tools/formats/npy.h"
+#include "tools/tool_error.h"
+
+namespace tool {
+namespace {
+
+// True when every non-empty line of `text` holds exactly two words.
+bool isPairText(const std::string& text) {
+  std::istringstream lines(text);
+  std::string line;
+  bool any = false;
+  while (std::getline(lines, line)) {
+    std::istringstream words(line);
+    std::string word;
+    int count = 0;
+    while (words >> word) ++count;
+    if (count == 0) continue;
+    if (count != 2) return false;
+    any = true;
+  }
+  return any;
+}
+
+bool isPairNpy(const std::string& path, const std::string& bytes) {
+  if (!hasSuffix(path, ".npy")) return false;
+  const NpyArray array = parseNpy(bytes, path);
+  return array.shape.size() == 2 && array.shape[1] == 2;
+}
+
+}  // namespace
+
+std::map<int, int> identityOfFaces(const std::vector<int>& faceIds, const std::vector<int>& labels,
+                                   const char* source) {
+  if (faceIds.size() != labels.size()) {
+    throw ToolError(std::string(source) + ": holds " + std::to_string(labels.size()) +
+                    " labels for " + std::to_string(faceIds.size()) + " features");
+  }
+  std::map<int, int> identity;
+  for (size_t i = 0; i < faceIds.size(); ++i) identity[faceIds[i]] = labels[i];
+  return identity;
+}
+
+Labels readLabels(const std::string& path, const std::vector<int>& faceIds) {
+  const std::string bytes = readWholeFile(path);
+  Labels labels;
+  if (!(hasSuffix(path, ".npy") ? isPairNpy(path, bytes) : isPairText(bytes))) {
+    labels.identities = identityOfFaces(faceIds, readIntList(path, "labels"), path.c_str());
+    return labels;
+  }
+  labels.keyedByFaceId = true;
+  const std::vector<int> values = readIntList(path, "labels", /*allowPairs=*/true);
+  for (size_t i = 0; i + 1 < values.size(); i += 2) {
+    if (!labels.identities.emplace(values[i], values[i + 1]).second) {
+      throw ToolError(path + ": face id " + std::to_string(values[i]) + " is labelled twice");
+    }
+  }
+  return labels;
+}
+
+}  // namespace tool

@@ -1,0 +1,41 @@
+#include "tools/formats/output_paths.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <set>
+
+#include "tools/tool_error.h"
+
+namespace tool {
+namespace {
+
+std::string folderOf(const std::string& path) {
+  const size_t slash = path.find_last_of('/');
+  if (slash == std::string::npos) return ".";
+  return slash == 0 ? "/" : path.substr(0, slash);
+}
+
+}  // namespace
+
+void checkOutputPaths(const std::vector<std::string>& paths) {
+  std::set<std::string> seen;
+  for (const std::string& path : paths) {
+    if (path.empty()) continue;
+    if (!seen.insert(path).second) throw UsageError(path + ": named as two different outputs");
+    struct stat info;
+    if (stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode)) {
+      throw UsageError(path + ": is a folder, not a file to write");
+    }
+    const std::string folder = folderOf(path);
+    if (stat(folder.c_str(), &info) != 0 || !S_ISDIR(info.st_mode)) {
+      throw ToolError(path + ": cannot write there: folder " + folder + " does not exist");
+    }
+    // The file is written under a temporary name in this folder and renamed.
+    if (access(folder.c_str(), W_OK | X_OK) != 0) {
+      throw ToolError(path + ": cannot write there: folder " + folder + " is not writable");
+    }
+  }
+}
+
+}  // namespace tool
