@@ -4,7 +4,7 @@
 
 #include <cmath>
 
-#include "clustering/clustering_test_util.h"
+#include "support/ready_handle.h"
 #include "clustering/face_clustering_system.h"
 
 namespace {
