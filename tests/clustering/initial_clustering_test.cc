@@ -1,8 +1,12 @@
 #include <gtest/gtest.h>
 
+#include <new>
+#include <string>
 #include <vector>
 
 #include "clustering/face_clustering_system.h"
+#include "support/alloc_failure.h"
+#include "support/log_capture.h"
 
 namespace {
 
@@ -42,6 +46,27 @@ TEST(InitialClustering, ThresholdSetsFacesAsideAndTheFixedLevelGroups) {
       {six, 0.7f, {0, 1, 0, -1, 1, 0}},  // labels go back to the kept faces
   };
   for (const auto& c : cases) EXPECT_EQ(clusterKernel(c.kernel, c.threshold), c.labels);
+}
+
+TEST(InitialClustering, EveryAllocationFailureIsSurvived) {
+  const std::vector<Vec<float>> kernel = {{1, .875f, .25f}, {.875f, 1, .25f}, {.25f, .25f, 1}};
+  const long count = alloc_failure::countAllocations([&] { clusterKernel(kernel, 0.0f); });
+  std::vector<std::string> spectralFailures;
+  for (long k = 1; k <= count; ++k) {
+    testing_support::LogCapture log;
+    alloc_failure::failNth(k);
+    try {
+      const Vec<int> labels = clusterKernel(kernel, 0.0f);
+      if (log.messages().at(0).rfind("sClustering - ", 0) != 0) continue;
+      spectralFailures.push_back(log.messages().at(0));
+      EXPECT_EQ(labels, (Vec<int>{-1, -1, -1}));  // every face, kept or not
+    } catch (const std::bad_alloc&) {  // the copies, embedding and k-means are not guarded
+    }
+  }
+  EXPECT_EQ(spectralFailures,
+            (std::vector<std::string>{
+                "sClustering - L malloc fail!!!", "sClustering - D malloc fail!!!",
+                "sClustering - V malloc fail!!!", "sClustering - E malloc fail!!!"}));
 }
 
 }  // namespace
