@@ -76,7 +76,9 @@ TEST_F(ClusteringCycle, MalformedListsAreRejectedAndChangeNothing) {
     breakIt(list, item);
     LogCapture log;
     EXPECT_EQ(handle.itf_xvk_runClustering(&list), 0);
-    EXPECT_EQ(log.lines.size(), 1u);
+    ASSERT_EQ(log.lines.size(), 1u);
+    EXPECT_EQ(log.lines[0].message.rfind("itf_xvk_runClustering: rejected", 0), 0u)
+        << log.lines[0].message;
   }
   EXPECT_EQ(handle.engine->faces.size(), 2u);  // still loaded
   Read();
