@@ -4,7 +4,7 @@
 
 #include <cmath>
 
-#include "clustering/clustering_test_util.h"
+#include "support/ready_handle.h"
 #include "clustering/face_clustering_system.h"
 
 namespace {
@@ -25,7 +25,8 @@ int mergeTwo(int sizeA, int sizeB, float across, float best) {
 }
 
 TEST(MergeCluster, AverageLinkageWithABestPairTestForSmallClusters) {
-  EXPECT_EQ(mergeTwo(3, 3, 0.70f, 0.70f), 1);  // from 3 faces on, no best-pair test
+  EXPECT_EQ(mergeTwo(4, 4, 0.69f, 0.69f), 1);  // from 3 faces on, no best-pair test
+  EXPECT_EQ(mergeTwo(4, 4, std::nextafter(0.69f, 0.0f), 0.69f), 0);
   EXPECT_EQ(mergeTwo(3, 3, 0.6f, 0.9f), 0);
   EXPECT_EQ(mergeTwo(2, 3, 0.72f, 0.72f), 0);
   EXPECT_EQ(mergeTwo(2, 3, 0.72f, 0.74f), 1);

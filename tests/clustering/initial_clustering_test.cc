@@ -21,27 +21,31 @@ Vec<int> clusterKernel(const std::vector<Vec<float>>& kernel, float threshold) {
 }
 
 TEST(InitialClustering, ThresholdSetsFacesAsideAndTheFixedLevelGroups) {
-  EXPECT_TRUE(clusterKernel({}, 0.7f).empty());
-  EXPECT_EQ(clusterKernel({{1}}, 0.5f), Vec<int>{-1});  // its best similarity is 0
-  EXPECT_EQ(clusterKernel({{1}}, 0.0f), Vec<int>{0});
-  const std::vector<Vec<float>> kernel = {{1, .8f, .25f}, {.8f, 1, .75f}, {.25f, .75f, 1}};
-  EXPECT_EQ(clusterKernel(kernel, 0.85f), (Vec<int>{-1, -1, -1}));
-  EXPECT_EQ(clusterKernel(kernel, 0.8f), (Vec<int>{0, 0, -1}));
-  // Face 2 is kept at its best similarity exactly; row 0 claims only faces 0
-  // and 1, so it is a group, and a cluster, of its own.
-  EXPECT_EQ(clusterKernel(kernel, 0.75f), (Vec<int>{0, 0, 1}));
-  // Kept at 0.5, but 0.625 is below the fixed grouping level of 0.71.
-  EXPECT_EQ(clusterKernel({{1, .625f}, {.625f, 1}}, 0.5f), (Vec<int>{0, 1}));
-}
-
-TEST(InitialClustering, LabelsGoBackToTheKeptFaces) {
+  const std::vector<Vec<float>> three = {{1, .8f, .25f}, {.8f, 1, .75f}, {.25f, .75f, 1}};
   // Faces 0, 2, 5 are one person, faces 1, 4 another; face 3 resembles nobody.
   const int person[] = {0, 1, 0, 3, 1, 0};
-  std::vector<Vec<float>> kernel(6, Vec<float>(6));
+  std::vector<Vec<float>> six(6, Vec<float>(6));
   for (int i = 0; i < 6; ++i) {
-    for (int j = 0; j < 6; ++j) kernel[i][j] = i == j ? 1 : person[i] == person[j] ? .875f : .25f;
+    for (int j = 0; j < 6; ++j) six[i][j] = i == j ? 1 : person[i] == person[j] ? .875f : .25f;
   }
-  EXPECT_EQ(clusterKernel(kernel, 0.7f), (Vec<int>{0, 1, 0, -1, 1, 0}));
+  const struct {
+    std::vector<Vec<float>> kernel;
+    float threshold;
+    Vec<int> labels;
+  } cases[] = {
+      {{}, 0.7f, {}},
+      {{{1}}, 0.5f, {-1}},  // its best similarity is 0
+      {{{1}}, 0.0f, {0}},
+      {three, 0.85f, {-1, -1, -1}},
+      {three, 0.8f, {0, 0, -1}},
+      // Face 2 is kept at its best similarity exactly; row 0 claims only
+      // faces 0 and 1, so it is a group, and a cluster, of its own.
+      {three, 0.75f, {0, 0, 1}},
+      // Kept at 0.5, but 0.625 is below the fixed grouping level of 0.71.
+      {{{1, .625f}, {.625f, 1}}, 0.5f, {0, 1}},
+      {six, 0.7f, {0, 1, 0, -1, 1, 0}},  // labels go back to the kept faces
+  };
+  for (const auto& c : cases) EXPECT_EQ(clusterKernel(c.kernel, c.threshold), c.labels);
 }
 
 TEST(InitialClustering, EveryAllocationFailureIsSurvived) {

@@ -2,7 +2,7 @@
 
 #include <map>
 
-#include "clustering/clustering_test_util.h"
+#include "support/ready_handle.h"
 #include "clustering/face_clustering_system.h"
 
 namespace {

@@ -5,66 +5,22 @@
 #include <string>
 #include <vector>
 
-#include "clustering/face_clustering_system.h"
-#include "interface/face_recognition.h"
 #include "support/log_capture.h"
-#include "support/scripted_closed_libs.h"
-#include "support/similarities.h"
+#include "support/ready_handle.h"
 
 namespace {
 
 using testing_support::LogCapture;
-using testing_support::scripted;
+using testing_support::Ids;
 using testing_support::taggedFeature;
-using Ids = std::vector<int>;
 
 // Application cycles. A face's tag is its face id; tags with the same tens
 // digit are one person (similarity 0.95), other pairs have similarity 0.3.
-class ClusteringCycle : public testing::Test {
- protected:
-  void SetUp() override {
-    ASSERT_EQ(handle.itf_xvk_Init("/models"), 960);
-    scripted().fallback = testing_support::tensDigitPeople;
-  }
-  void TearDown() override {
-    handle.itf_xvk_releaseClusterInfo(&result);
-    handle.itf_xvk_Release();
-  }
-
-  void Load(const Ids& tags) {
-    for (int tag : tags)
-      ASSERT_EQ(handle.itf_xvk_loadFaceFeature(taggedFeature(tag).data(), tag), 1);
-  }
-  // Runs with `existing` (null for none) and reads the result into `result`.
-  int Run(itf_xvk_clusterinfo* existing) {
-    const int status = handle.itf_xvk_runClustering(existing);
-    Read();
-    return status;
-  }
-  void Read() {
-    handle.itf_xvk_releaseClusterInfo(&result);
-    handle.itf_xvk_getClusterInfo(&result);
-  }
-  Ids ClusterIds() const {
-    Ids ids;
-    for (int i = 0; i < result.count; ++i) ids.push_back(result.items[i].clusterId);
-    return ids;
-  }
-  Ids MembersOf(int clusterId) const {
-    for (int i = 0; i < result.count; ++i) {
-      const itf_xvk_clusteritem& item = result.items[i];
-      if (item.clusterId == clusterId) return Ids(item.faceIds, item.faceIds + item.faceCount);
-    }
-    return {};
-  }
-
-  FaceRecognition handle;
-  itf_xvk_clusterinfo result = {0, nullptr};
-};
+using ClusteringCycle = testing_support::ReadyHandle;
 
 TEST_F(ClusteringCycle, SecondBatchJoinsTheApplicationsClusters) {
   Load({10, 11, 12, 20, 21, 30});
-  ASSERT_EQ(Run(nullptr), 1);
+  ASSERT_EQ(Run(), 1);
   ASSERT_EQ(ClusterIds(), (Ids{-1, 0, 1}));
   EXPECT_EQ(MembersOf(-1), Ids{30});
   EXPECT_EQ(result.items[0].feature, nullptr);  // the bucket has no representative
@@ -80,8 +36,7 @@ TEST_F(ClusteringCycle, SecondBatchJoinsTheApplicationsClusters) {
   // result is renumbered in id order, new clusters last.
   result.items[1].clusterId = 9;
   result.items[2].clusterId = 4;
-  itf_xvk_clusterinfo previous = result;
-  result = {0, nullptr};
+  itf_xvk_clusterinfo previous = TakeResult();
   Load({13, 40, 41, 50});
   ASSERT_EQ(Run(&previous), 1);
   handle.itf_xvk_releaseClusterInfo(&previous);
@@ -101,7 +56,7 @@ TEST_F(ClusteringCycle, SecondBatchJoinsTheApplicationsClusters) {
 
 TEST_F(ClusteringCycle, MalformedListsAreRejectedAndChangeNothing) {
   Load({10, 11});
-  ASSERT_EQ(Run(nullptr), 1);
+  ASSERT_EQ(Run(), 1);
   Load({20, 21});
   std::vector<float> feature = taggedFeature(10);
   int faceIds[] = {10, 11};
@@ -121,7 +76,9 @@ TEST_F(ClusteringCycle, MalformedListsAreRejectedAndChangeNothing) {
     breakIt(list, item);
     LogCapture log;
     EXPECT_EQ(handle.itf_xvk_runClustering(&list), 0);
-    EXPECT_EQ(log.lines.size(), 1u);
+    ASSERT_EQ(log.lines.size(), 1u);
+    EXPECT_EQ(log.lines[0].message.rfind("itf_xvk_runClustering: rejected", 0), 0u)
+        << log.lines[0].message;
   }
   EXPECT_EQ(handle.engine->faces.size(), 2u);  // still loaded
   Read();
@@ -149,8 +106,7 @@ TEST_F(ClusteringCycle, TakesBackLargeIdsAndClustersWithoutAFeature) {
   EXPECT_EQ(MembersOf(2), (Ids{20, 21}));
 
   // The result goes back in as it came out.
-  itf_xvk_clusterinfo previous = result;
-  result = {0, nullptr};
+  itf_xvk_clusterinfo previous = TakeResult();
   Load({52});
   EXPECT_EQ(Run(&previous), 1);
   handle.itf_xvk_releaseClusterInfo(&previous);

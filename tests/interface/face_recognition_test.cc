@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <iterator>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "clustering/face_clustering_system.h"
@@ -38,9 +39,9 @@ TEST_F(FaceRecognitionLifecycle, InitBuildsInOrderReleaseIsRepeatableAndReinitRe
   EXPECT_EQ(scripted().events,
             (Events{"FR ctor", "FR Init 960 /models", "LD ctor", "LD Init 1 /models"}));
   ASSERT_EQ(log.lines.size(), 1u);
-  EXPECT_EQ(log.lines[0].message, std::string("init FC engine (") + kVersion + ")");
-  EXPECT_EQ(log.lines[0].tag, "FC_Native");
-  EXPECT_EQ(log.lines[0].priority, 3);
+  EXPECT_EQ(std::tie(log.lines[0].priority, log.lines[0].tag, log.lines[0].message),
+            std::make_tuple(3, std::string("FC_Native"),
+                            std::string("init FC engine (") + kVersion + ")"));
 
   scripted().events.clear();
   EXPECT_EQ(handle.itf_xvk_Release(), 1);
@@ -98,15 +99,11 @@ TEST(NotReadyHandle, EveryOperationFailsWithOneLineAndTouchesNothing) {
   const int states[][4] = {{0, 0, 1, 1}, {1, 1, 1, 1}, {1, 0, -2, 1}, {1, 0, 1, 0}};
   for (const auto& state : states) {
     FaceRecognition handle;
-    if (state[0]) {
-      EXPECT_EQ(handle.itf_xvk_Init("/a"), 960);
-    }
+    if (state[0]) EXPECT_EQ(handle.itf_xvk_Init("/a"), 960);
     if (state[1]) handle.itf_xvk_Release();
     scripted().recognizerInitResult = state[2];
     scripted().landmarkInitResult = state[3];
-    if (state[2] < 1 || state[3] < 1) {
-      EXPECT_LT(handle.itf_xvk_Init("/b"), 1);
-    }
+    if (state[2] < 1 || state[3] < 1) EXPECT_LT(handle.itf_xvk_Init("/b"), 1);
     scripted().events.clear();
     // Every operation that needs the handle's objects, with the failure value
     // it must return. Features are real, so only the handle's state can make
