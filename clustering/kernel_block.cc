@@ -1,5 +1,7 @@
 #include "clustering/kernel_block.h"
 
+#include <cstddef>
+
 #include "numeric/eight_rows_avx2.h"
 #include "platform/fast_paths.h"
 
@@ -22,7 +24,7 @@ void eightRowSums(const float* const* rows, const std::vector<Run>& runs, float*
 __attribute__((target("avx2"))) void eightRowSumsAvx2(const float* const* rows,
                                                       const std::vector<Run>& runs, float* sums) {
   __m256 s = _mm256_setzero_ps();
-  forEachColumnOfEightRows(rows, runs, [&](int, __m256 column) XVKFC_AVX2_LAMBDA {
+  forEachColumnOfEightRows(rows, runs, [&](std::ptrdiff_t, __m256 column) XVKFC_AVX2_LAMBDA {
     s = _mm256_add_ps(s, column);
   });
   _mm256_storeu_ps(sums, s);

@@ -5,6 +5,7 @@
 #ifndef XVKFC_NUMERIC_EIGHT_ROWS_AVX2_H_
 #define XVKFC_NUMERIC_EIGHT_ROWS_AVX2_H_
 
+#include <cstddef>
 #include <vector>
 
 #include "numeric/index_runs.h"
@@ -51,16 +52,18 @@ template <typename Visit>
 XVKFC_AVX2_INLINE void forEachColumnOfEightRows(const float* const* rows,
                                                 const std::vector<Run>& runs, Visit&& visit) {
   for (const Run& run : runs) {
+    // Entry positions as std::ptrdiff_t: no sign extension per column.
+    const std::ptrdiff_t first = run.first;
     int t = 0;
     for (; t + 8 <= run.length; t += 8) {
       __m256 columns[8];
       transpose8x8(rows, run.start + t, columns);
-      for (int k = 0; k < 8; ++k) visit(run.first + t + k, columns[k]);
+      for (int k = 0; k < 8; ++k) visit(first + t + k, columns[k]);
     }
     for (; t < run.length; ++t) {
       const int j = run.start + t;
-      visit(run.first + t, _mm256_setr_ps(rows[0][j], rows[1][j], rows[2][j], rows[3][j],
-                                          rows[4][j], rows[5][j], rows[6][j], rows[7][j]));
+      visit(first + t, _mm256_setr_ps(rows[0][j], rows[1][j], rows[2][j], rows[3][j], rows[4][j],
+                                      rows[5][j], rows[6][j], rows[7][j]));
     }
   }
 }

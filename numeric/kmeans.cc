@@ -171,14 +171,13 @@ using EightDistances = void (*)(const float* const*, const std::vector<Run>&, co
 #ifdef XVKFC_AVX2_RENDERINGS
 // distances<8> with row r in lane r: every lane does distances<8>'s
 // operations for its row, column after column (subtract, square, add; no
-// fused multiply-add), so the bits are the same. Kept out of line: inlined
-// into the pass it runs about 10% more instructions.
-__attribute__((target("avx2"), noinline)) void distances8Avx2(const float* const* rows,
+// fused multiply-add), so the bits are the same.
+__attribute__((target("avx2"))) void distances8Avx2(const float* const* rows,
                                                     const std::vector<Run>& runs,
                                                     const float* mean0, const float* mean1,
                                                     float* dist0, float* dist1) {
   __m256 sum0 = _mm256_setzero_ps(), sum1 = _mm256_setzero_ps();
-  forEachColumnOfEightRows(rows, runs, [&](int v, __m256 x) XVKFC_AVX2_LAMBDA {
+  forEachColumnOfEightRows(rows, runs, [&](std::ptrdiff_t v, __m256 x) XVKFC_AVX2_LAMBDA {
     const __m256 d0 = _mm256_sub_ps(x, _mm256_broadcast_ss(mean0 + v));
     const __m256 d1 = _mm256_sub_ps(x, _mm256_broadcast_ss(mean1 + v));
     sum0 = _mm256_add_ps(sum0, _mm256_mul_ps(d0, d0));
