@@ -25,7 +25,9 @@ else()
   target_include_directories(xvkfc_closed_headers INTERFACE
     $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/platform/tavo>
     $<INSTALL_INTERFACE:include/xvkfc/platform/tavo>)
-  add_library(TAVO_FR SHARED platform/host/frecog_host.cc)
+  # The comparator's sums have an AVX2 rendering, chosen in platform/fast_paths.
+  add_library(TAVO_FR SHARED platform/host/frecog_host.cc platform/fast_paths.cc)
+  target_include_directories(TAVO_FR PRIVATE ${PROJECT_SOURCE_DIR})
   add_library(TAVO_LD SHARED platform/host/landmark_host.cc)
   # Built and installed as libxvkfc_standin_fr.so and libxvkfc_standin_ld.so,
   # so that a stand-in is never taken for (or installed over) the vendor's

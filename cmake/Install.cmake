@@ -19,7 +19,7 @@ install(TARGETS ${_targets}
 # include/, and writes #include <xvkfc/interface/face_recognition.h>. The
 # copies are rewritten here from the sources, which name each other from
 # the source root.
-set(_public_headers platform/export.h)
+set(_public_headers platform/export.h platform/fast_paths.h)
 foreach(dir interface numeric clustering planning)
   file(GLOB _found RELATIVE ${PROJECT_SOURCE_DIR} CONFIGURE_DEPENDS ${dir}/*.h)
   list(APPEND _public_headers ${_found})

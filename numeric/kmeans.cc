@@ -7,7 +7,8 @@
 
 #include "numeric/mat_ops.h"
 #include "numeric/rand_perm.h"
-#include "numeric/transpose8.h"
+#include "numeric/eight_rows_avx2.h"
+#include "platform/fast_paths.h"
 
 namespace {
 
@@ -96,33 +97,9 @@ void computeMeans(Mat<float>& data, Mat<float>& means, Vec<int>& labels) {
 }
 
 namespace detail {
-
-void findRuns(const Vec<int>& index, std::vector<Run>& runs) {
-  runs.clear();
-  for (std::size_t v = 0; v < index.size(); ++v) {
-    if (!runs.empty() && index[v] == runs.back().start + runs.back().length) {
-      ++runs.back().length;
-    } else {
-      runs.push_back({static_cast<int>(v), index[v], 1});
-    }
-  }
-}
-
 namespace {
 
-// The clones are chosen by an ifunc resolver while the program is being
-// relocated, before ThreadSanitizer's runtime is up; its instrumented
-// resolver would crash there, so that build keeps the plain rendering.
-#if defined(__x86_64__) && defined(__GNUC__) && !defined(__clang__) && \
-    !defined(__SANITIZE_THREAD__)
-#define XVKFC_KMEANS_AVX2 1
-#define XVKFC_KMEANS_CLONES __attribute__((target_clones("avx2", "default")))
-// Inlined into each clone, so that the clone's instructions reach them.
-#define XVKFC_KMEANS_INLINE inline __attribute__((always_inline))
-#else
-#define XVKFC_KMEANS_INLINE inline
-#define XVKFC_KMEANS_CLONES
-#endif
+#define XVKFC_ALWAYS_INLINE inline __attribute__((always_inline))
 
 // computeMeans for k = 2, one row at a time: start(), add() for every row
 // in label-list order, finish(). Each centre element is its own sum, added
@@ -137,7 +114,8 @@ class CentreSums {
     std::fill(sums_[0], sums_[0] + m_, 0.0f);
     std::fill(sums_[1], sums_[1] + m_, 0.0f);
   }
-  XVKFC_KMEANS_INLINE void add(const float* row, const std::vector<Run>& runs, int group) {
+  // Inlined, so that the AVX2 rendering's instructions reach it.
+  XVKFC_ALWAYS_INLINE void add(const float* row, const std::vector<Run>& runs, int group) {
     count_[group] += 1.0f;
     float* centre = sums_[group];
     for (const Run& run : runs) {
@@ -164,7 +142,7 @@ class CentreSums {
 // its own chain of additions in column order, as squaredDist adds them;
 // the 2 x kRows chains only overlap in time.
 template <int kRows>
-XVKFC_KMEANS_INLINE void distances(const float* const* rows, const std::vector<Run>& runs,
+XVKFC_ALWAYS_INLINE void distances(const float* const* rows, const std::vector<Run>& runs,
                                    const float* mean0, const float* mean1, float* dist0,
                                    float* dist1) {
   float sum0[kRows] = {}, sum1[kRows] = {};
@@ -187,68 +165,37 @@ XVKFC_KMEANS_INLINE void distances(const float* const* rows, const std::vector<R
   }
 }
 
-#ifdef XVKFC_KMEANS_AVX2
-// distances<8> with the eight rows in the eight lanes of AVX2 registers:
-// blocks of 8 x 8 elements are transposed so that lane r holds row r, and
-// every lane then does distances<8>'s operations for its row, column after
-// column (subtract, square, add; no fused multiply-add): the same bits.
-// Lane r: sum += (x - c)^2 for one column, in distances<8>'s operations.
-__attribute__((target("avx2"), always_inline)) inline void addColumn(__m256 x, const float* c0,
-                                                                     const float* c1, __m256* sum0,
-                                                                     __m256* sum1) {
-  const __m256 d0 = _mm256_sub_ps(x, _mm256_broadcast_ss(c0));
-  const __m256 d1 = _mm256_sub_ps(x, _mm256_broadcast_ss(c1));
-  *sum0 = _mm256_add_ps(*sum0, _mm256_mul_ps(d0, d0));
-  *sum1 = _mm256_add_ps(*sum1, _mm256_mul_ps(d1, d1));
-}
+using EightDistances = void (*)(const float* const*, const std::vector<Run>&, const float*,
+                                const float*, float*, float*);
 
+#ifdef XVKFC_AVX2_RENDERINGS
+// distances<8> with row r in lane r: every lane does distances<8>'s
+// operations for its row, column after column (subtract, square, add; no
+// fused multiply-add), so the bits are the same.
 __attribute__((target("avx2"))) void distances8Avx2(const float* const* rows,
                                                     const std::vector<Run>& runs,
                                                     const float* mean0, const float* mean1,
                                                     float* dist0, float* dist1) {
   __m256 sum0 = _mm256_setzero_ps(), sum1 = _mm256_setzero_ps();
-  for (const Run& run : runs) {
-    const float* c0 = mean0 + run.first;
-    const float* c1 = mean1 + run.first;
-    int t = 0;
-    for (; t + 8 <= run.length; t += 8) {
-      const int j = run.start + t;
-      __m256 columns[8];
-      transpose8x8(rows, j, columns);
-      for (int k = 0; k < 8; ++k) addColumn(columns[k], c0 + t + k, c1 + t + k, &sum0, &sum1);
-    }
-    for (; t < run.length; ++t) {
-      const int j = run.start + t;
-      addColumn(_mm256_setr_ps(rows[0][j], rows[1][j], rows[2][j], rows[3][j], rows[4][j],
-                               rows[5][j], rows[6][j], rows[7][j]),
-                c0 + t, c1 + t, &sum0, &sum1);
-    }
-  }
+  forEachColumnOfEightRows(rows, runs, [&](std::ptrdiff_t v, __m256 x) XVKFC_AVX2_LAMBDA {
+    const __m256 d0 = _mm256_sub_ps(x, _mm256_broadcast_ss(mean0 + v));
+    const __m256 d1 = _mm256_sub_ps(x, _mm256_broadcast_ss(mean1 + v));
+    sum0 = _mm256_add_ps(sum0, _mm256_mul_ps(d0, d0));
+    sum1 = _mm256_add_ps(sum1, _mm256_mul_ps(d1, d1));
+  });
   _mm256_storeu_ps(dist0, sum0);
   _mm256_storeu_ps(dist1, sum1);
 }
 #endif
 
-using EightDistances = void (*)(const float* const*, const std::vector<Run>&, const float*,
-                                const float*, float*, float*);
-
-EightDistances eightDistances() {
-#ifdef XVKFC_KMEANS_AVX2
-  __builtin_cpu_init();  // idempotent; needed before constructors have run
-  if (__builtin_cpu_supports("avx2")) return distances8Avx2;
-#endif
-  return distances<8>;
-}
-
 // One Lloyd pass: every row assigned to the nearer of the centres in
 // `means` (ties to centre 0), while `next` receives the means of the new
-// labels. Returns the cost, summed in row order. On x86-64 an AVX2 clone
-// runs the same operations eight lanes wide: the same bits.
-XVKFC_KMEANS_CLONES float assignAndSum(const std::vector<Vec<float>>& matrix, const Vec<int>& index,
-                                       const std::vector<Run>& runs, const float* means,
-                                       float* next, Vec<int>& labels) {
+// labels. Returns the cost, summed in row order.
+template <EightDistances kDistancesOf8>
+XVKFC_ALWAYS_INLINE float assignAndSum(const std::vector<Vec<float>>& matrix,
+                                       const Vec<int>& index, const std::vector<Run>& runs,
+                                       const float* means, float* next, Vec<int>& labels) {
   constexpr int kRows = 8;
-  const EightDistances distancesOf8 = eightDistances();
   const int m = static_cast<int>(index.size());
   const float* mean0 = means;
   const float* mean1 = means + m;
@@ -261,7 +208,7 @@ XVKFC_KMEANS_CLONES float assignAndSum(const std::vector<Vec<float>>& matrix, co
     const int count = m - u < kRows ? m - u : kRows;
     for (int r = 0; r < count; ++r) rows[r] = matrix[index[u + r]].data();
     if (count == kRows) {
-      distancesOf8(rows, runs, mean0, mean1, dist0, dist1);
+      kDistancesOf8(rows, runs, mean0, mean1, dist0, dist1);
     } else {
       for (int r = 0; r < count; ++r) {
         distances<1>(rows + r, runs, mean0, mean1, dist0 + r, dist1 + r);
@@ -279,21 +226,11 @@ XVKFC_KMEANS_CLONES float assignAndSum(const std::vector<Vec<float>>& matrix, co
   return cost;
 }
 
-// The first centre update: the means of the seed labels.
-XVKFC_KMEANS_CLONES void seedMeans(const std::vector<Vec<float>>& matrix, const Vec<int>& index,
-                                   const std::vector<Run>& runs, const Vec<int>& initLabels,
-                                   float* means) {
-  const std::size_t m = index.size();
-  CentreSums sums(means, means + m, m);
-  sums.start();
-  for (std::size_t u = 0; u < m; ++u) sums.add(matrix[index[u]].data(), runs, initLabels[u]);
-  sums.finish();
-}
-
-}  // namespace
-
-void twoMeansOnBlock(const std::vector<Vec<float>>& matrix, const Vec<int>& index,
-                     const Vec<int>& initLabels, Vec<int>& labels, TwoMeansScratch& scratch) {
+// twoMeansOnBlock with kDistancesOf8 for the distances of eight rows.
+template <EightDistances kDistancesOf8>
+XVKFC_ALWAYS_INLINE void twoMeans(const std::vector<Vec<float>>& matrix, const Vec<int>& index,
+                                  const Vec<int>& initLabels, Vec<int>& labels,
+                                  TwoMeansScratch& scratch) {
   const int m = static_cast<int>(index.size());
   labels.clear();
   labels.resize(m);
@@ -305,11 +242,15 @@ void twoMeansOnBlock(const std::vector<Vec<float>>& matrix, const Vec<int>& inde
   scratch.means.resize(4 * static_cast<std::size_t>(m));
   float* means = scratch.means.data();
   float* next = means + 2 * static_cast<std::size_t>(m);
-  seedMeans(matrix, index, runs, initLabels, means);
+  // The first centre update: the means of the seed labels.
+  CentreSums seeds(means, means + m, m);
+  seeds.start();
+  for (int u = 0; u < m; ++u) seeds.add(matrix[index[u]].data(), runs, initLabels[u]);
+  seeds.finish();
 
   float prevCost = 0.0f;
   for (int iter = 0;; ++iter) {
-    const float cost = assignAndSum(matrix, index, runs, means, next, labels);
+    const float cost = assignAndSum<kDistancesOf8>(matrix, index, runs, means, next, labels);
     std::swap(means, next);
     if (iter != 0) {
       const float relativeChange = std::fabs((prevCost - cost) / prevCost);
@@ -318,6 +259,29 @@ void twoMeansOnBlock(const std::vector<Vec<float>>& matrix, const Vec<int>& inde
     }
     prevCost = cost;
   }
+}
+
+void twoMeansPlain(const std::vector<Vec<float>>& matrix, const Vec<int>& index,
+                   const Vec<int>& initLabels, Vec<int>& labels, TwoMeansScratch& scratch) {
+  twoMeans<distances<8>>(matrix, index, initLabels, labels, scratch);
+}
+
+#ifdef XVKFC_AVX2_RENDERINGS
+// The same operations; the centre sums may use AVX2 too, each element still
+// its own chain of additions.
+__attribute__((target("avx2"))) void twoMeansAvx2(const std::vector<Vec<float>>& matrix,
+                                                  const Vec<int>& index,
+                                                  const Vec<int>& initLabels, Vec<int>& labels,
+                                                  TwoMeansScratch& scratch) {
+  twoMeans<distances8Avx2>(matrix, index, initLabels, labels, scratch);
+}
+#endif
+
+}  // namespace
+
+void twoMeansOnBlock(const std::vector<Vec<float>>& matrix, const Vec<int>& index,
+                     const Vec<int>& initLabels, Vec<int>& labels, TwoMeansScratch& scratch) {
+  XVKFC_PICK(twoMeansPlain, twoMeansAvx2)(matrix, index, initLabels, labels, scratch);
 }
 
 }  // namespace detail

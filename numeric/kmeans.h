@@ -4,6 +4,7 @@
 
 #include <vector>
 
+#include "numeric/index_runs.h"
 #include "numeric/mat.h"
 #include "numeric/vec.h"
 #include "platform/export.h"
@@ -30,19 +31,6 @@ XVKFC_EXPORT void kmeansCore(Mat<float>& data, Mat<float>& means, Vec<int>& labe
 XVKFC_EXPORT void computeMeans(Mat<float>& data, Mat<float>& means, Vec<int>& labels);
 
 namespace detail {
-
-// A run of a block's columns whose indices are consecutive: columns
-// first .. first+length-1 of the block are entries start .. start+length-1
-// of a matrix row. Reading by runs turns the gather into contiguous loads.
-struct Run {
-  int first;
-  int start;
-  int length;
-};
-
-// The runs of consecutive indices of `index`, in order (empty for an empty
-// list).
-void findRuns(const Vec<int>& index, std::vector<Run>& runs);
 
 // Scratch space of twoMeansOnBlock, kept by the caller so that repeated
 // calls allocate nothing once it has grown.

@@ -9,13 +9,10 @@
 
 #include <android/log.h>
 
-#if defined(__x86_64__)
-#include <immintrin.h>
-#endif
-
 #include "FRecogInterface.h"
 #include "face_points.h"
 #include "host_model_path.h"
+#include "platform/fast_paths.h"
 
 namespace {
 
@@ -95,8 +92,7 @@ void sumProducts(const float* a, const float* b, ProductSums* sums) {
   }
 }
 
-#if defined(__x86_64__) && defined(__GNUC__)
-#define XVKFC_HOST_AVX2 1
+#ifdef XVKFC_AVX2_RENDERINGS
 // The same lanes in AVX2 registers: lanes 0-3 in the first register of each
 // sum, 4-7 in the second; every lane does the plain rendering's operations
 // (convert, multiply, add; no fused multiply-add), so the bits are the same.
@@ -126,16 +122,7 @@ __attribute__((target("avx2"))) void sumProductsAvx2(const float* a, const float
 
 ProductSums productSums(const float* a, const float* b) {
   ProductSums sums;
-#ifdef XVKFC_HOST_AVX2
-  __builtin_cpu_init();  // idempotent; needed before constructors have run
-  const bool hasAvx2 = __builtin_cpu_supports("avx2");
-  if (hasAvx2) {
-    sumProductsAvx2(a, b, &sums);
-    sums.fold();
-    return sums;
-  }
-#endif
-  sumProducts(a, b, &sums);
+  XVKFC_PICK(sumProducts, sumProductsAvx2)(a, b, &sums);
   sums.fold();
   return sums;
 }

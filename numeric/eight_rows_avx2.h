@@ -1,18 +1,22 @@
-// An 8 x 8 block of floats read row-wise and handed out column by column in
-// AVX2 registers, so that lane r of every column holds row r: the per-row
-// sums of the kernel's block routines then run in the eight lanes at once,
-// each lane doing its row's additions in column order.
-#ifndef XVKFC_NUMERIC_TRANSPOSE8_H_
-#define XVKFC_NUMERIC_TRANSPOSE8_H_
+// The loop the AVX2 renderings of the per-row block sums share: eight rows
+// in the eight lanes of AVX2 registers, handed out column by column, so that
+// each lane does its row's operations in column order, as the plain
+// rendering does for one row.
+#ifndef XVKFC_NUMERIC_EIGHT_ROWS_AVX2_H_
+#define XVKFC_NUMERIC_EIGHT_ROWS_AVX2_H_
 
-#if defined(__x86_64__) && defined(__GNUC__)
-#include <immintrin.h>
+#include <cstddef>
+#include <vector>
+
+#include "numeric/index_runs.h"
+#include "platform/fast_paths.h"
+
+#ifdef XVKFC_AVX2_RENDERINGS
 
 namespace detail {
 
 // columns[k], lane r = rows[r][j + k], for k and r in 0..7.
-__attribute__((target("avx2"), always_inline)) inline void transpose8x8(const float* const* rows,
-                                                                        int j, __m256* columns) {
+XVKFC_AVX2_INLINE void transpose8x8(const float* const* rows, int j, __m256* columns) {
   const __m256 r0 = _mm256_loadu_ps(rows[0] + j), r1 = _mm256_loadu_ps(rows[1] + j);
   const __m256 r2 = _mm256_loadu_ps(rows[2] + j), r3 = _mm256_loadu_ps(rows[3] + j);
   const __m256 r4 = _mm256_loadu_ps(rows[4] + j), r5 = _mm256_loadu_ps(rows[5] + j);
@@ -40,8 +44,32 @@ __attribute__((target("avx2"), always_inline)) inline void transpose8x8(const fl
   columns[7] = _mm256_permute2f128_ps(lo3, hi3, 0x31);
 }
 
+// visit(v, column) for every entry v of the index list `runs` describes, in
+// order, where lane r of `column` is rows[r][index[v]]. Whole 8 x 8 blocks
+// of a run are transposed; the rest of a run is gathered column by column.
+// `visit` must be XVKFC_AVX2_INLINE too.
+template <typename Visit>
+XVKFC_AVX2_INLINE void forEachColumnOfEightRows(const float* const* rows,
+                                                const std::vector<Run>& runs, Visit&& visit) {
+  for (const Run& run : runs) {
+    // Entry positions as std::ptrdiff_t: no sign extension per column.
+    const std::ptrdiff_t first = run.first;
+    int t = 0;
+    for (; t + 8 <= run.length; t += 8) {
+      __m256 columns[8];
+      transpose8x8(rows, run.start + t, columns);
+      for (int k = 0; k < 8; ++k) visit(first + t + k, columns[k]);
+    }
+    for (; t < run.length; ++t) {
+      const int j = run.start + t;
+      visit(first + t, _mm256_setr_ps(rows[0][j], rows[1][j], rows[2][j], rows[3][j], rows[4][j],
+                                      rows[5][j], rows[6][j], rows[7][j]));
+    }
+  }
+}
+
 }  // namespace detail
 
-#endif  // __x86_64__ && __GNUC__
+#endif  // XVKFC_AVX2_RENDERINGS
 
-#endif  // XVKFC_NUMERIC_TRANSPOSE8_H_
+#endif  // XVKFC_NUMERIC_EIGHT_ROWS_AVX2_H_
