@@ -8,13 +8,13 @@
 #include <vector>
 
 #include "interface/face_recognition.h"
-#include "interface/public_call.h"
-#include "interface/handle_readiness.h"
+#include "interface/handle_support.h"
+#include "planning/guarded_call.h"
 #include "platform/log.h"
 
 namespace {
 
-constexpr int kDim = 960;
+constexpr int kDim = xvkfc::kFeatureDim;
 
 // The handle's current result, read with itf_xvk_getClusterInfo and given
 // back when replaced or when this goes out of scope.
@@ -180,7 +180,7 @@ const char* rejection(FaceRecognition* handle, const float* features, const int*
   if (count < 1) return "count below 1";
   if (runSize < 2) return "run size below 2";
   if (maxRounds < 1) return "rounds below 1";
-  if (handle == nullptr || !detail::isReadyHandle(*handle)) return "handle not initialised";
+  if (!xvkfc::isHandleReady(handle)) return "handle not initialised";
   return nullptr;
 }
 
@@ -191,7 +191,7 @@ int clusterInPlannedRuns(FaceRecognition* handle, const float* features, const i
                          itf_xvk_clusterinfo* result, PlannedClusteringStats* stats,
                          const std::function<void(const PlannedRunInfo&)>& observe,
                          const PlannedProgress& progress) {
-  return detail::guardPublicCall("clusterInPlannedRuns", -1, [&] {
+  return detail::guardPlanningCall("clusterInPlannedRuns", -1, [&] {
     if (const char* why = rejection(handle, features, faceIds, count, runSize, maxRounds, result)) {
       detail::logDebug("clusterInPlannedRuns: rejected: %s", why);
       return -1;
@@ -252,8 +252,8 @@ int clusterInPlannedRuns(FaceRecognition* handle, const float* features, const i
         }
         if (h.itf_xvk_runClustering(input) != 1) {
           // Only the application's clusters can be malformed; drop the
-          // queued faces (a count of 1 queues nothing) so nothing is left.
-          std::free(h.itf_xvk_getClusterFeature(rows.data(), 1));
+          // queued faces so nothing is left.
+          xvkfc::discardQueuedFaces(handle);
           detail::logDebug("clusterInPlannedRuns: the existing clusters were rejected");
           return -1;
         }

@@ -9,13 +9,13 @@
 #include <vector>
 
 #include "interface/face_recognition.h"
-#include "interface/public_call.h"
-#include "interface/handle_readiness.h"
+#include "interface/handle_support.h"
+#include "planning/guarded_call.h"
 #include "platform/log.h"
 
 namespace {
 
-constexpr int kDim = 960;
+constexpr int kDim = xvkfc::kFeatureDim;
 
 // A face joins a pivot's group at a score of 767 or more (mapped similarity
 // 0.75): the engine keeps a face in a cluster only when its best similarity
@@ -233,7 +233,7 @@ std::vector<int> packRuns(Groups& groups, int runSize) {
 
 int planFaceRuns(FaceRecognition* handle, const float* features, int count, int runSize,
                  RunPlan* plan) {
-  return detail::guardPublicCall("planFaceRuns", -1, [&] {
+  return detail::guardPlanningCall("planFaceRuns", -1, [&] {
     const char* why = nullptr;
     if (handle == nullptr) {
       why = "null handle";
@@ -245,7 +245,7 @@ int planFaceRuns(FaceRecognition* handle, const float* features, int count, int 
       why = "count below 1";
     } else if (runSize < 2) {
       why = "run size below 2";
-    } else if (handle == nullptr || !detail::isReadyHandle(*handle)) {
+    } else if (!xvkfc::isHandleReady(handle)) {
       why = "handle not initialised";
     }
     if (why != nullptr) {
