@@ -139,34 +139,43 @@ void CurrentClusters::takeFromBucket(const std::vector<int>& sortedIds) {
                 bucket_.end());
 }
 
-bool CurrentClusters::handOut(const std::vector<int>& alsoUnclustered, itf_xvk_clusterinfo* out) const {
-  std::vector<const Cluster*> alive;
-  for (const Cluster& c : clusters_)
-    if (c.alive) alive.push_back(&c);
-  const int count = static_cast<int>(alive.size()) + 1;
-  auto* items = static_cast<itf_xvk_clusteritem*>(std::calloc(count, sizeof(itf_xvk_clusteritem)));
-  if (items == nullptr) return false;
-  std::vector<int> bucket = bucket_;
+itf_xvk_clusterinfo CurrentClusters::view(const std::vector<int>& alsoUnclustered,
+                                          std::vector<itf_xvk_clusteritem>& items,
+                                          std::vector<int>& bucket) {
+  bucket = bucket_;
   bucket.insert(bucket.end(), alsoUnclustered.begin(), alsoUnclustered.end());
-  items[0] = {-1, static_cast<int>(bucket.size()), mallocCopy(bucket.data(), bucket.size()), 0,
-              nullptr, -1};
-  bool copied = items[0].faceIds != nullptr;
-  for (int i = 1; copied && i < count; ++i) {
-    const Cluster& c = *alive[i - 1];
+  items.assign(1, {-1, static_cast<int>(bucket.size()), bucket.data(), 0, nullptr, -1});
+  for (Cluster& c : clusters_) {
+    if (!c.alive) continue;
     const int dim = c.feature.empty() ? 0 : xvkfc::kFeatureDim;
-    items[i] = {i - 1, static_cast<int>(c.faceIds.size()), mallocCopy(c.faceIds.data(), c.faceIds.size()),
-                dim, dim > 0 ? mallocCopy(c.feature.data(), c.feature.size()) : nullptr, c.repFaceId};
-    copied = items[i].faceIds != nullptr && (dim == 0 || items[i].feature != nullptr);
+    items.push_back({static_cast<int>(items.size()) - 1, static_cast<int>(c.faceIds.size()),
+                     c.faceIds.data(), dim, dim > 0 ? c.feature.data() : nullptr, c.repFaceId});
+  }
+  return itf_xvk_clusterinfo{static_cast<int>(items.size()), items.data()};
+}
+
+bool CurrentClusters::handOut(const std::vector<int>& alsoUnclustered, itf_xvk_clusterinfo* out) {
+  std::vector<itf_xvk_clusteritem> items;
+  std::vector<int> bucket;
+  const itf_xvk_clusterinfo list = view(alsoUnclustered, items, bucket);
+  auto* copy = static_cast<itf_xvk_clusteritem*>(std::calloc(list.count, sizeof(itf_xvk_clusteritem)));
+  bool copied = copy != nullptr;
+  for (int i = 0; copied && i < list.count; ++i) {
+    const itf_xvk_clusteritem& item = list.items[i];
+    copy[i] = item;
+    copy[i].faceIds = mallocCopy(item.faceIds, static_cast<std::size_t>(item.faceCount));
+    copy[i].feature = item.featureDim > 0 ? mallocCopy(item.feature, static_cast<std::size_t>(item.featureDim)) : nullptr;
+    copied = copy[i].faceIds != nullptr && (item.featureDim == 0 || copy[i].feature != nullptr);
   }
   if (!copied) {
-    for (int i = 0; i < count; ++i) {
-      std::free(items[i].faceIds);
-      std::free(items[i].feature);
+    for (int i = 0; copy != nullptr && i < list.count; ++i) {
+      std::free(copy[i].faceIds);
+      std::free(copy[i].feature);
     }
-    std::free(items);
+    std::free(copy);
     return false;
   }
-  *out = itf_xvk_clusterinfo{count, items};
+  *out = itf_xvk_clusterinfo{list.count, copy};
   return true;
 }
 

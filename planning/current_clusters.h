@@ -51,8 +51,12 @@ class CurrentClusters {
 
   // The list as itf_xvk_getClusterInfo writes it: bucket first (its faces
   // then `alsoUnclustered`), then the clusters numbered 0, 1, ... in slot
-  // order, in malloc'd arrays. False (nothing allocated) when memory runs out.
-  bool handOut(const std::vector<int>& alsoUnclustered, itf_xvk_clusterinfo* out) const;
+  // order. It points into the clusters, `items` and `bucket`.
+  itf_xvk_clusterinfo view(const std::vector<int>& alsoUnclustered,
+                           std::vector<itf_xvk_clusteritem>& items, std::vector<int>& bucket);
+  // The same in malloc'd arrays, for itf_xvk_releaseClusterInfo. False
+  // (nothing allocated) when memory runs out.
+  bool handOut(const std::vector<int>& alsoUnclustered, itf_xvk_clusterinfo* out);
 
  private:
   struct Cluster {

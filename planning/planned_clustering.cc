@@ -49,6 +49,23 @@ const char* malformed(const itf_xvk_clusterinfo* existing) {
   return nullptr;
 }
 
+// Drops the faces loaded for a run unless the run took them, so that no
+// failure leaves faces queued on the handle.
+class QueueGuard {
+ public:
+  explicit QueueGuard(FaceRecognition& handle) : handle_(handle) {}
+  ~QueueGuard() {
+    if (!ran_) xvkfc::discardQueuedFaces(&handle_);
+  }
+  QueueGuard(const QueueGuard&) = delete;
+  QueueGuard& operator=(const QueueGuard&) = delete;
+  void ran() { ran_ = true; }
+
+ private:
+  FaceRecognition& handle_;
+  bool ran_ = false;
+};
+
 // One import: the faces, the current clusters, the links that tell which
 // clusters a run can match, and what was done so far.
 class PlannedImport {
@@ -116,7 +133,7 @@ class PlannedImport {
   }
   bool anyPending() const { return !pending_.empty(); }
 
-  bool handOut(itf_xvk_clusterinfo* result) const { return current_.handOut(notRun_, result); }
+  bool handOut(itf_xvk_clusterinfo* result) { return current_.handOut(notRun_, result); }
 
   PlannedClusteringStats stats;
 
@@ -126,6 +143,7 @@ class PlannedImport {
   void runOne(int round, int run, int runs, const std::vector<int>& indices,
               const detail::FaceLinks* roundLinks) {
     std::vector<int> runRows, runIds;
+    QueueGuard queued(handle_);
     for (int index : indices) {
       runRows.push_back(pending_[index]);
       runIds.push_back(faceIds_[pending_[index]]);
@@ -136,22 +154,24 @@ class PlannedImport {
     if (roundLinks != nullptr) current_.addMatches(indices, *roundLinks, pending_, fed);
     std::vector<itf_xvk_clusteritem> items;
     itf_xvk_clusterinfo list = current_.feedList(fed, items);
-    if (handle_.itf_xvk_runClustering(fed.empty() ? nullptr : &list) != 1) {
-      xvkfc::discardQueuedFaces(&handle_);
-      throw std::runtime_error("a run failed");
-    }
+    const int ran = handle_.itf_xvk_runClustering(fed.empty() ? nullptr : &list);
+    if (ran != 1) throw std::runtime_error("a run failed");
+    queued.ran();
     itf_xvk_clusterinfo result{0, nullptr};
     handle_.itf_xvk_getClusterInfo(&result);
     ++stats.runs;
-    if (observe_) {
-      observe_(PlannedRunInfo{round, run + 1, runs, runIds.data(), static_cast<int>(runIds.size()),
-                              &result});
-    }
     try {
       current_.stitch(result, fed);
     } catch (...) {
       handle_.itf_xvk_releaseClusterInfo(&result);
       throw;
+    }
+    if (observe_) {
+      // The round's last run shows the whole list; the others their own result.
+      std::vector<int> bucket;
+      itf_xvk_clusterinfo whole = run + 1 == runs ? current_.view({}, items, bucket) : result;
+      observe_(PlannedRunInfo{round, run + 1, runs, runIds.data(), static_cast<int>(runIds.size()),
+                              &whole});
     }
     handle_.itf_xvk_releaseClusterInfo(&result);
   }

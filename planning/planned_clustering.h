@@ -27,8 +27,9 @@ struct PlannedRunInfo {
   int runsInRound = 0;           // runs the round's plan holds
   const int* faceIds = nullptr;  // the faces loaded for this run
   int faceCount = 0;
-  // The run's result as the engine gives it: the clusters it was fed
-  // (renumbered 0, 1, ...) and its own, and its bucket.
+  // After the round's last run, the whole current list as `result` will
+  // hold it; after the others, the run's result as the engine gives it: the
+  // clusters it was fed (renumbered 0, 1, ...), its own and its bucket.
   const itf_xvk_clusterinfo* clusters = nullptr;
 };
 
