@@ -54,15 +54,6 @@ class PlannedClusteringTest : public testing::Test {
     handle.itf_xvk_releaseClusterInfo(&list);
     return clusters;
   }
-  // Loads the faces of `tags` and runs clustering with `fed`; returns the result.
-  std::vector<Cluster> RunByHand(const Ids& run, itf_xvk_clusterinfo* fed) {
-    for (int tag : run) handle.itf_xvk_loadFaceFeature(taggedFeature(tag).data(), tag);
-    EXPECT_EQ(handle.itf_xvk_runClustering(fed), 1);
-    itf_xvk_clusterinfo list{0, nullptr};
-    handle.itf_xvk_getClusterInfo(&list);
-    return Take(list);
-  }
-
   FaceRecognition handle;
   const Ids tags = {33, 20, 104, 11, 31, 25, 22, 50, 10, 30,
                     35, 21, 13,  32, 15, 12, 23, 34, 24, 14};
@@ -72,28 +63,6 @@ class PlannedClusteringTest : public testing::Test {
   int appBucket[1] = {200};
   itf_xvk_clusteritem existingItems[2];
   itf_xvk_clusterinfo existing{2, existingItems};
-};
-
-// An application's list holding `clusters`, with tagged representative
-// features.
-class ListOf {
- public:
-  explicit ListOf(const std::vector<Cluster>& clusters) : clusters_(clusters) {
-    for (const Cluster& c : clusters_) features_.push_back(taggedFeature(c.repFaceId));
-    for (std::size_t i = 0; i < clusters_.size(); ++i) {
-      Cluster& c = clusters_[i];
-      items_.push_back({c.id, static_cast<int>(c.faces.size()), c.faces.data(), c.id < 0 ? 0 : 960,
-                        c.id < 0 ? nullptr : features_[i].data(), c.repFaceId});
-    }
-    list_ = {static_cast<int>(items_.size()), items_.data()};
-  }
-  itf_xvk_clusterinfo* get() { return &list_; }
-
- private:
-  std::vector<Cluster> clusters_;
-  std::vector<std::vector<float>> features_;
-  std::vector<itf_xvk_clusteritem> items_;
-  itf_xvk_clusterinfo list_;
 };
 
 // Runs of 12 faces: people 1 and 2, then person 3, then the lone faces 50
