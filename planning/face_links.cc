@@ -18,15 +18,7 @@ using Pairs = std::vector<std::pair<int, int>>;
 Pairs candidatePairs(FaceRecognition& handle, const std::vector<float*>& faceRows,
                      const std::vector<float*>& probeRows, int64_t& comparisons) {
   const int faces = static_cast<int>(faceRows.size());
-  // References spread over the faces in their fixed order; they are copies,
-  // so the rows themselves are enough.
-  std::vector<float> referenceRows;
-  const int references = std::min(kProfileLength, faces);
-  for (int r = 0; r < references; ++r) {
-    const float* row = faceRows[static_cast<std::size_t>(static_cast<int64_t>(r) * faces / references)];
-    referenceRows.insert(referenceRows.end(), row, row + 960);
-  }
-  ScoreProfiles profiles(handle, referenceRows.data(), references);
+  ScoreProfiles profiles(handle, faceRows);
   for (float* row : faceRows) profiles.add(row);
   for (float* row : probeRows) profiles.add(row);
   comparisons += profiles.comparisons();

@@ -14,13 +14,12 @@ namespace {
 constexpr int kDim = xvkfc::kFeatureDim;
 }  // namespace
 
-ScoreProfiles::ScoreProfiles(FaceRecognition& handle, const float* rows, int count)
-    : handle_(handle), length_(std::min(kProfileLength, count)) {
+ScoreProfiles::ScoreProfiles(FaceRecognition& handle, const std::vector<float*>& rows)
+    : handle_(handle), length_(std::min(kProfileLength, static_cast<int>(rows.size()))) {
   references_.resize(static_cast<std::size_t>(length_) * kDim);
   for (int r = 0; r < length_; ++r) {
-    const int row = static_cast<int>(static_cast<int64_t>(r) * count / length_);
-    std::memcpy(&references_[static_cast<std::size_t>(r) * kDim],
-                rows + static_cast<std::size_t>(row) * kDim, kDim * sizeof(float));
+    const std::size_t row = static_cast<std::size_t>(static_cast<int64_t>(r) * rows.size() / length_);
+    std::memcpy(&references_[static_cast<std::size_t>(r) * kDim], rows[row], kDim * sizeof(float));
   }
 }
 

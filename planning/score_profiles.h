@@ -6,6 +6,7 @@
 #ifndef XVKFC_PLANNING_SCORE_PROFILES_H_
 #define XVKFC_PLANNING_SCORE_PROFILES_H_
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -20,9 +21,9 @@ inline constexpr int kProfileLength = 64;
 // threads; uses the handle it points to (not owned) for every call.
 class ScoreProfiles {
  public:
-  // References: kProfileLength of the `count` rows at `rows` (count x 960
-  // floats), evenly spread over them (all of them when fewer).
-  ScoreProfiles(FaceRecognition& handle, const float* rows, int count);
+  // References: kProfileLength of `rows` (960 floats each), evenly spread
+  // over them (all of them when fewer), copied.
+  ScoreProfiles(FaceRecognition& handle, const std::vector<float*>& rows);
 
   // Appends the profile of `feature` (960 floats, given to the comparator,
   // which may write through it): its scores against the references, less
