@@ -82,28 +82,9 @@ class PlannedImport {
   // Plans and runs the faces still pending. False when the import stopped.
   bool runRound() {
     const int round = ++stats.rounds;
-    if (round > 1) {
-      std::vector<int> ids;
-      for (int row : pending_) ids.push_back(faceIds_[row]);
-      std::sort(ids.begin(), ids.end());
-      current_.takeFromBucket(ids);
-    }
-    const int n = static_cast<int>(pending_.size());
-    rows_.resize(static_cast<std::size_t>(n) * kDim);
-    for (int i = 0; i < n; ++i) {
-      std::copy_n(features_ + static_cast<std::size_t>(pending_[i]) * kDim, kDim,
-                  &rows_[static_cast<std::size_t>(i) * kDim]);
-    }
-    // The application's clusters are linked in the first round; its links
-    // between new faces, which cover them all, serve every later round too.
     RunPlan plan;
     detail::FaceLinks links;
-    const int runs = detail::planWithLinks(handle_, rows_.data(), n, runSize_,
-                                           round == 1 ? current_.probeRows() : std::vector<float*>{},
-                                           &plan, &links);
-    stats.planComparisons += plan.comparisons;
-    if (round == 1) firstLinks_ = std::move(links);
-
+    const int runs = planPending(round, plan, links);
     std::size_t offset = 0;
     for (int run = 0; run < runs; ++run) {
       std::vector<int> runIndices(plan.order.begin() + offset,
@@ -174,6 +155,31 @@ class PlannedImport {
                               &whole});
     }
     handle_.itf_xvk_releaseClusterInfo(&result);
+  }
+
+  // Takes the pending faces out of the bucket (after round 1), copies them
+  // into rows_ and plans them. The application's clusters are linked in the
+  // first round; its links between new faces, which cover them all, serve
+  // every later round too. Returns the number of runs.
+  int planPending(int round, RunPlan& plan, detail::FaceLinks& links) {
+    if (round > 1) {
+      std::vector<int> ids;
+      for (int row : pending_) ids.push_back(faceIds_[row]);
+      std::sort(ids.begin(), ids.end());
+      current_.takeFromBucket(ids);
+    }
+    const int n = static_cast<int>(pending_.size());
+    rows_.resize(static_cast<std::size_t>(n) * kDim);
+    for (int i = 0; i < n; ++i) {
+      std::copy_n(features_ + static_cast<std::size_t>(pending_[i]) * kDim, kDim,
+                  &rows_[static_cast<std::size_t>(i) * kDim]);
+    }
+    const int runs = detail::planWithLinks(handle_, rows_.data(), n, runSize_,
+                                           round == 1 ? current_.probeRows() : std::vector<float*>{},
+                                           &plan, &links);
+    stats.planComparisons += plan.comparisons;
+    if (round == 1) firstLinks_ = std::move(links);
+    return runs;
   }
 
   FaceRecognition& handle_;
