@@ -46,14 +46,4 @@ int ScoreProfiles::add(float* feature) {
   return static_cast<int>(at / length_);
 }
 
-float profileDot(const float* a, const float* b, int length) {
-  float part[8] = {0, 0, 0, 0, 0, 0, 0, 0};
-  int k = 0;
-  for (; k + 8 <= length; k += 8) {
-    for (int j = 0; j < 8; ++j) part[j] += a[k + j] * b[k + j];
-  }
-  for (int j = 0; k < length; ++k, ++j) part[j] += a[k] * b[k];
-  return ((part[0] + part[1]) + (part[2] + part[3])) + ((part[4] + part[5]) + (part[6] + part[7]));
-}
-
 }  // namespace detail
