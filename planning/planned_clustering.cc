@@ -2,174 +2,20 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstdlib>
-#include <cstring>
+#include <stdexcept>
 #include <utility>
 #include <vector>
 
 #include "interface/face_recognition.h"
-#include "interface/public_call.h"
-#include "interface/handle_readiness.h"
+#include "interface/handle_support.h"
+#include "planning/current_clusters.h"
+#include "planning/guarded_call.h"
+#include "planning/plan_with_links.h"
 #include "platform/log.h"
 
 namespace {
 
-constexpr int kDim = 960;
-
-// The handle's current result, read with itf_xvk_getClusterInfo and given
-// back when replaced or when this goes out of scope.
-class ResultList {
- public:
-  explicit ResultList(FaceRecognition& handle) : handle_(handle) {}
-  ~ResultList() { handle_.itf_xvk_releaseClusterInfo(&list_); }
-  ResultList(const ResultList&) = delete;
-  ResultList& operator=(const ResultList&) = delete;
-
-  itf_xvk_clusterinfo* get() { return &list_; }
-  void read() {
-    handle_.itf_xvk_releaseClusterInfo(&list_);
-    list_ = {0, nullptr};
-    handle_.itf_xvk_getClusterInfo(&list_);
-  }
-  itf_xvk_clusterinfo release() { return std::exchange(list_, itf_xvk_clusterinfo{0, nullptr}); }
-
- private:
-  FaceRecognition& handle_;
-  itf_xvk_clusterinfo list_{0, nullptr};
-};
-
-// Ids of the faces in a cluster of `list` (bucket -1 excluded), sorted.
-std::vector<int> clusteredIds(const itf_xvk_clusterinfo& list) {
-  std::vector<int> ids;
-  for (int i = 0; i < list.count; ++i) {
-    const itf_xvk_clusteritem& item = list.items[i];
-    if (item.clusterId >= 0) ids.insert(ids.end(), item.faceIds, item.faceIds + item.faceCount);
-  }
-  std::sort(ids.begin(), ids.end());
-  return ids;
-}
-
-// Takes the faces whose ids are in `sortedIds` out of the bucket -1.
-void removeFromBucket(itf_xvk_clusterinfo& list, const std::vector<int>& sortedIds) {
-  for (int i = 0; i < list.count; ++i) {
-    itf_xvk_clusteritem& item = list.items[i];
-    if (item.clusterId >= 0) continue;
-    int kept = 0;
-    for (int k = 0; k < item.faceCount; ++k) {
-      if (!std::binary_search(sortedIds.begin(), sortedIds.end(), item.faceIds[k]))
-        item.faceIds[kept++] = item.faceIds[k];
-    }
-    item.faceCount = kept;
-  }
-}
-
-// Lists read from the handle and kept aside until the round's last run.
-class AsideLists {
- public:
-  explicit AsideLists(FaceRecognition& handle) : handle_(handle) {}
-  ~AsideLists() { clear(); }
-  AsideLists(const AsideLists&) = delete;
-  AsideLists& operator=(const AsideLists&) = delete;
-
-  void readFromHandle() {
-    lists_.push_back({0, nullptr});
-    handle_.itf_xvk_getClusterInfo(&lists_.back());
-  }
-  const std::vector<itf_xvk_clusterinfo>& lists() const { return lists_; }
-  void clear() {
-    for (itf_xvk_clusterinfo& list : lists_) handle_.itf_xvk_releaseClusterInfo(&list);
-    lists_.clear();
-  }
-
- private:
-  FaceRecognition& handle_;
-  std::vector<itf_xvk_clusterinfo> lists_;
-};
-
-// One list of `base` (may be null) and the lists set aside: the clusters of
-// `base` as they are, the clusters of each aside list renumbered after the
-// largest id so far, and one bucket -1 with the faces of every bucket. The
-// list points into `items`, `bucket` and the source lists.
-itf_xvk_clusterinfo combine(const itf_xvk_clusterinfo* base,
-                            const std::vector<itf_xvk_clusterinfo>& aside,
-                            std::vector<itf_xvk_clusteritem>& items, std::vector<int>& bucket) {
-  items.clear();
-  bucket.clear();
-  bool hasBucket = false;
-  int nextId = 0;
-  auto take = [&](const itf_xvk_clusterinfo& list, bool renumber) {
-    const int offset = nextId;
-    for (int i = 0; i < list.count; ++i) {
-      itf_xvk_clusteritem item = list.items[i];
-      if (item.clusterId < 0) {
-        hasBucket = true;
-        bucket.insert(bucket.end(), item.faceIds, item.faceIds + item.faceCount);
-        continue;
-      }
-      if (renumber) item.clusterId += offset;
-      nextId = std::max(nextId, item.clusterId + 1);
-      items.push_back(item);
-    }
-  };
-  if (base != nullptr && base->count > 0) take(*base, false);
-  for (const itf_xvk_clusterinfo& list : aside) take(list, true);
-  if (hasBucket) {
-    items.push_back(
-        itf_xvk_clusteritem{-1, static_cast<int>(bucket.size()), bucket.data(), 0, nullptr, -1});
-  }
-  return itf_xvk_clusterinfo{static_cast<int>(items.size()), items.data()};
-}
-
-// A malloc'd copy of `n` values at `from` (n may be 0); null when malloc fails.
-template <typename T>
-T* mallocCopy(const T* from, int n) {
-  T* copy = static_cast<T*>(std::malloc(sizeof(T) * static_cast<std::size_t>(n > 0 ? n : 1)));
-  if (copy != nullptr && n > 0) std::memcpy(copy, from, sizeof(T) * static_cast<std::size_t>(n));
-  return copy;
-}
-
-// What a stopped import hands out: `current` and the lists set aside
-// (combined as the round's last run would be fed them) plus `notRun` in the
-// bucket, copied into malloc'd arrays as itf_xvk_getClusterInfo gives them,
-// bucket first. False when memory runs out (nothing is left allocated).
-bool stoppedResult(const itf_xvk_clusterinfo* current, const std::vector<itf_xvk_clusterinfo>& aside,
-                   const std::vector<int>& notRun, itf_xvk_clusterinfo* result) {
-  std::vector<itf_xvk_clusteritem> items;
-  std::vector<int> bucket;
-  const itf_xvk_clusterinfo all = combine(current, aside, items, bucket);
-  if (!notRun.empty() && (all.count == 0 || items.back().clusterId >= 0)) {
-    items.push_back(itf_xvk_clusteritem{-1, 0, nullptr, 0, nullptr, -1});
-  }
-  bucket.insert(bucket.end(), notRun.begin(), notRun.end());
-  std::stable_partition(items.begin(), items.end(),
-                        [](const itf_xvk_clusteritem& item) { return item.clusterId < 0; });
-  const int count = static_cast<int>(items.size());
-  auto* out = static_cast<itf_xvk_clusteritem*>(
-      std::calloc(count > 0 ? count : 1, sizeof(itf_xvk_clusteritem)));
-  bool copied = out != nullptr;
-  for (int i = 0; copied && i < count; ++i) {
-    itf_xvk_clusteritem item = items[i];
-    if (item.clusterId < 0) {
-      item.faceCount = static_cast<int>(bucket.size());
-      item.faceIds = bucket.data();
-    }
-    out[i] = item;
-    out[i].faceIds = mallocCopy(item.faceIds, item.faceCount);
-    out[i].feature = item.featureDim > 0 ? mallocCopy(item.feature, item.featureDim) : nullptr;
-    copied = out[i].faceIds != nullptr && (item.featureDim <= 0 || out[i].feature != nullptr);
-  }
-  itf_xvk_clusterinfo list{count, out};
-  if (!copied) {
-    for (int i = 0; out != nullptr && i < count; ++i) {
-      std::free(out[i].faceIds);
-      std::free(out[i].feature);
-    }
-    std::free(out);
-    return false;
-  }
-  *result = list;
-  return true;
-}
+constexpr int kDim = xvkfc::kFeatureDim;
 
 const char* rejection(FaceRecognition* handle, const float* features, const int* faceIds, int count,
                       int runSize, int maxRounds, itf_xvk_clusterinfo* result) {
@@ -180,9 +26,176 @@ const char* rejection(FaceRecognition* handle, const float* features, const int*
   if (count < 1) return "count below 1";
   if (runSize < 2) return "run size below 2";
   if (maxRounds < 1) return "rounds below 1";
-  if (handle == nullptr || !detail::isReadyHandle(*handle)) return "handle not initialised";
+  if (!xvkfc::isHandleReady(handle)) return "handle not initialised";
   return nullptr;
 }
+
+// What itf_xvk_runClustering would reject in the application's list, which
+// a run may never be fed whole.
+const char* malformed(const itf_xvk_clusterinfo* existing) {
+  if (existing == nullptr) return nullptr;
+  if (existing->count < 0) return "negative count";
+  if (existing->count > 0 && existing->items == nullptr) return "null items";
+  for (int i = 0; i < existing->count; ++i) {
+    const itf_xvk_clusteritem& item = existing->items[i];
+    if (item.clusterId < -1) return "a cluster id below -1";
+    if (item.faceCount < 0) return "a negative faceCount";
+    if (item.faceCount > 0 && item.faceIds == nullptr) return "null faceIds";
+    if (item.clusterId >= 0 && item.featureDim != 0 && item.featureDim != kDim)
+      return "a featureDim neither 0 nor 960";
+    if (item.clusterId >= 0 && item.featureDim != 0 && item.feature == nullptr)
+      return "a null feature";
+  }
+  return nullptr;
+}
+
+// Drops the faces loaded for a run unless the run took them, so that no
+// failure leaves faces queued on the handle.
+class QueueGuard {
+ public:
+  explicit QueueGuard(FaceRecognition& handle) : handle_(handle) {}
+  ~QueueGuard() {
+    if (!ran_) xvkfc::discardQueuedFaces(&handle_);
+  }
+  QueueGuard(const QueueGuard&) = delete;
+  QueueGuard& operator=(const QueueGuard&) = delete;
+  void ran() { ran_ = true; }
+
+ private:
+  FaceRecognition& handle_;
+  bool ran_ = false;
+};
+
+// One import: the faces, the current clusters, the links that tell which
+// clusters a run can match, and what was done so far.
+class PlannedImport {
+ public:
+  PlannedImport(FaceRecognition& handle, const float* features, const int* faceIds, int count,
+                itf_xvk_clusterinfo* existing, int runSize,
+                const std::function<void(const PlannedRunInfo&)>& observe,
+                const PlannedProgress& progress)
+      : handle_(handle), features_(features), faceIds_(faceIds), count_(count), runSize_(runSize),
+        observe_(observe), progress_(progress), current_(faceIds, count, existing) {
+    for (int row = 0; row < count; ++row) pending_.push_back(row);
+  }
+
+  // Plans and runs the faces still pending. False when the import stopped.
+  bool runRound() {
+    const int round = ++stats.rounds;
+    RunPlan plan;
+    detail::FaceLinks links;
+    const int runs = planPending(round, plan, links);
+    std::size_t offset = 0;
+    for (int run = 0; run < runs; ++run) {
+      std::vector<int> runIndices(plan.order.begin() + offset,
+                                  plan.order.begin() + offset + plan.runSizes[run]);
+      offset += plan.runSizes[run];
+      runOne(round, run, runs, runIndices, round == 1 ? nullptr : &links);
+      if (round == 1) facesDone_ = static_cast<int>(offset);
+      if (progress_ && !progress_(facesDone_, count_)) {
+        for (std::size_t k = offset; k < plan.order.size(); ++k)
+          notRun_.push_back(faceIds_[pending_[plan.order[k]]]);
+        stats.stopped = true;
+        detail::logDebug("clusterInPlannedRuns: stopped after %d of %d faces", facesDone_, count_);
+        return false;
+      }
+    }
+    return true;
+  }
+
+  // The pending faces a round put in a cluster; the rest stay pending.
+  int clusteredInRound() {
+    std::vector<int> left;
+    for (int row : pending_)
+      if (!current_.isClustered(row)) left.push_back(row);
+    const int clustered = static_cast<int>(pending_.size() - left.size());
+    pending_ = std::move(left);
+    return clustered;
+  }
+  bool anyPending() const { return !pending_.empty(); }
+
+  bool handOut(itf_xvk_clusterinfo* result) { return current_.handOut(notRun_, result); }
+
+  PlannedClusteringStats stats;
+
+ private:
+  // Loads one run's faces (indices into the round's rows), feeds it the
+  // clusters linked to them and stitches its result into the current list.
+  void runOne(int round, int run, int runs, const std::vector<int>& indices,
+              const detail::FaceLinks* roundLinks) {
+    std::vector<int> runRows, runIds;
+    QueueGuard queued(handle_);
+    for (int index : indices) {
+      runRows.push_back(pending_[index]);
+      runIds.push_back(faceIds_[pending_[index]]);
+      handle_.itf_xvk_loadFaceFeature(&rows_[static_cast<std::size_t>(index) * kDim], runIds.back());
+    }
+    std::vector<int> fed;
+    current_.addMatches(runRows, firstLinks_, {}, fed);
+    if (roundLinks != nullptr) current_.addMatches(indices, *roundLinks, pending_, fed);
+    std::vector<itf_xvk_clusteritem> items;
+    itf_xvk_clusterinfo list = current_.feedList(fed, items);
+    const int ran = handle_.itf_xvk_runClustering(fed.empty() ? nullptr : &list);
+    if (ran != 1) throw std::runtime_error("a run failed");
+    queued.ran();
+    itf_xvk_clusterinfo result{0, nullptr};
+    handle_.itf_xvk_getClusterInfo(&result);
+    ++stats.runs;
+    try {
+      current_.stitch(result, fed);
+    } catch (...) {
+      handle_.itf_xvk_releaseClusterInfo(&result);
+      throw;
+    }
+    if (observe_) {
+      // The round's last run shows the whole list; the others their own result.
+      std::vector<int> bucket;
+      itf_xvk_clusterinfo whole = run + 1 == runs ? current_.view({}, items, bucket) : result;
+      observe_(PlannedRunInfo{round, run + 1, runs, runIds.data(), static_cast<int>(runIds.size()),
+                              &whole});
+    }
+    handle_.itf_xvk_releaseClusterInfo(&result);
+  }
+
+  // Takes the pending faces out of the bucket (after round 1), copies them
+  // into rows_ and plans them. The application's clusters are linked in the
+  // first round; its links between new faces, which cover them all, serve
+  // every later round too. Returns the number of runs.
+  int planPending(int round, RunPlan& plan, detail::FaceLinks& links) {
+    if (round > 1) {
+      std::vector<int> ids;
+      for (int row : pending_) ids.push_back(faceIds_[row]);
+      std::sort(ids.begin(), ids.end());
+      current_.takeFromBucket(ids);
+    }
+    const int n = static_cast<int>(pending_.size());
+    rows_.resize(static_cast<std::size_t>(n) * kDim);
+    for (int i = 0; i < n; ++i) {
+      std::copy_n(features_ + static_cast<std::size_t>(pending_[i]) * kDim, kDim,
+                  &rows_[static_cast<std::size_t>(i) * kDim]);
+    }
+    const int runs = detail::planWithLinks(handle_, rows_.data(), n, runSize_,
+                                           round == 1 ? current_.probeRows() : std::vector<float*>{},
+                                           &plan, &links);
+    stats.planComparisons += plan.comparisons;
+    if (round == 1) firstLinks_ = std::move(links);
+    return runs;
+  }
+
+  FaceRecognition& handle_;
+  const float* features_;
+  const int* faceIds_;
+  int count_;
+  int runSize_;
+  const std::function<void(const PlannedRunInfo&)>& observe_;
+  const PlannedProgress& progress_;
+  detail::CurrentClusters current_;
+  std::vector<int> pending_;  // rows of the faces still to place
+  std::vector<float> rows_;   // the round's faces: the comparator and the engine get copies
+  detail::FaceLinks firstLinks_;
+  std::vector<int> notRun_;  // ids of the faces a stop left unrun
+  int facesDone_ = 0;
+};
 
 }  // namespace
 
@@ -191,117 +204,25 @@ int clusterInPlannedRuns(FaceRecognition* handle, const float* features, const i
                          itf_xvk_clusterinfo* result, PlannedClusteringStats* stats,
                          const std::function<void(const PlannedRunInfo&)>& observe,
                          const PlannedProgress& progress) {
-  return detail::guardPublicCall("clusterInPlannedRuns", -1, [&] {
-    if (const char* why = rejection(handle, features, faceIds, count, runSize, maxRounds, result)) {
+  return detail::guardPlanningCall("clusterInPlannedRuns", -1, [&] {
+    const char* why = rejection(handle, features, faceIds, count, runSize, maxRounds, result);
+    if (why == nullptr) why = malformed(existing);
+    if (why != nullptr) {
       detail::logDebug("clusterInPlannedRuns: rejected: %s", why);
       return -1;
     }
-    FaceRecognition& h = *handle;
-    PlannedClusteringStats totals;
-    ResultList current(h);
-    AsideLists aside(h);
-    bool haveResult = false;  // until the first run, the clusters are `existing`
-
-    std::vector<int> pending(count);  // rows of `features` still to place
-    for (int i = 0; i < count; ++i) pending[i] = i;
-    std::vector<float> rows;
-    std::vector<int> runIds, bucket;
-    std::vector<itf_xvk_clusteritem> items;
-    for (int round = 1; round <= maxRounds && !pending.empty(); ++round) {
-      std::vector<int> pendingIds(pending.size());
-      for (std::size_t i = 0; i < pending.size(); ++i) pendingIds[i] = faceIds[pending[i]];
-      if (haveResult) {
-        std::vector<int> sorted = pendingIds;
-        std::sort(sorted.begin(), sorted.end());
-        removeFromBucket(*current.get(), sorted);
-      }
-      rows.resize(pending.size() * kDim);
-      for (std::size_t i = 0; i < pending.size(); ++i) {
-        std::memcpy(&rows[i * kDim], features + static_cast<std::size_t>(pending[i]) * kDim,
-                    kDim * sizeof(float));
-      }
-      RunPlan plan;
-      const int runs =
-          planFaceRuns(handle, rows.data(), static_cast<int>(pending.size()), runSize, &plan);
-      if (runs < 0) return -1;
-      totals.planComparisons += plan.comparisons;
-      ++totals.rounds;
-
-      std::size_t offset = 0;
-      for (int run = 0; run < runs; ++run) {
-        runIds.clear();
-        for (int k = 0; k < plan.runSizes[run]; ++k, ++offset) {
-          const int row = plan.order[offset];
-          runIds.push_back(pendingIds[row]);
-          h.itf_xvk_loadFaceFeature(&rows[static_cast<std::size_t>(row) * kDim], runIds.back());
-        }
-        // The first run starts from the application's clusters. Later runs
-        // before the round's last are clustered on their own: a planned run
-        // rarely shares a person with another, and feeding every run all
-        // clusters so far would cost a comparison per pair of clusters per
-        // run. The round's last run is fed everything, which links the
-        // round's clusters with each other and with the clusters of before.
-        const bool last = run + 1 == runs;
-        itf_xvk_clusterinfo none{0, nullptr}, fed = none;
-        itf_xvk_clusterinfo* input = &none;
-        if (!haveResult) {
-          input = existing;
-        } else if (last) {
-          fed = combine(current.get(), aside.lists(), items, bucket);
-          input = &fed;
-        }
-        if (h.itf_xvk_runClustering(input) != 1) {
-          // Only the application's clusters can be malformed; drop the
-          // queued faces (a count of 1 queues nothing) so nothing is left.
-          std::free(h.itf_xvk_getClusterFeature(rows.data(), 1));
-          detail::logDebug("clusterInPlannedRuns: the existing clusters were rejected");
-          return -1;
-        }
-        const bool fedRun = input != &none;
-        if (fedRun) {
-          current.read();
-          aside.clear();
-          haveResult = true;
-        } else {
-          aside.readFromHandle();
-        }
-        ++totals.runs;
-        if (observe) {
-          observe(PlannedRunInfo{round, run + 1, runs, runIds.data(),
-                                 static_cast<int>(runIds.size()),
-                                 fedRun ? current.get() : &aside.lists().back()});
-        }
-        const int facesDone = round == 1 ? static_cast<int>(offset) : count;
-        if (progress && !progress(facesDone, count)) {
-          std::vector<int> notRun;
-          for (std::size_t k = offset; k < plan.order.size(); ++k)
-            notRun.push_back(pendingIds[plan.order[k]]);
-          itf_xvk_clusterinfo stopped{0, nullptr};
-          if (!stoppedResult(current.get(), aside.lists(), notRun, &stopped)) {
-            detail::logDebug("clusterInPlannedRuns: out of memory for the stopped result");
-            return -1;
-          }
-          detail::logDebug("clusterInPlannedRuns: stopped after %d of %d faces", facesDone, count);
-          *result = stopped;
-          totals.stopped = true;
-          if (stats != nullptr) *stats = totals;
-          return result->count;
-        }
-      }
-
-      const std::vector<int> clustered = clusteredIds(*current.get());
-      std::vector<int> left;
-      for (int row : pending) {
-        if (!std::binary_search(clustered.begin(), clustered.end(), faceIds[row]))
-          left.push_back(row);
-      }
-      const bool clusteredNone = left.size() == pending.size();
-      pending = std::move(left);
-      if (clusteredNone) break;
+    PlannedImport import(*handle, features, faceIds, count, existing, runSize, observe, progress);
+    for (int round = 1; round <= maxRounds && import.anyPending(); ++round) {
+      if (!import.runRound()) break;
+      if (import.clusteredInRound() == 0) break;
     }
-
-    *result = current.release();
-    if (stats != nullptr) *stats = totals;
+    itf_xvk_clusterinfo list{0, nullptr};
+    if (!import.handOut(&list)) {
+      detail::logDebug("clusterInPlannedRuns: out of memory for the result");
+      return -1;
+    }
+    *result = list;
+    if (stats != nullptr) *stats = import.stats;
     return result->count;
   });
 }

@@ -27,8 +27,9 @@ struct PlannedRunInfo {
   int runsInRound = 0;           // runs the round's plan holds
   const int* faceIds = nullptr;  // the faces loaded for this run
   int faceCount = 0;
-  // The run's result: the current list after a run given clusters, the
-  // run's own clusters after a run given none.
+  // After the round's last run, the whole current list as `result` will
+  // hold it; after the others, the run's result as the engine gives it: the
+  // clusters it was fed (renumbered 0, 1, ...), its own and its bucket.
   const itf_xvk_clusterinfo* clusters = nullptr;
 };
 
@@ -47,41 +48,42 @@ using PlannedProgress = std::function<bool(int facesDone, int facesTotal)>;
 
 // Clusters `count` new faces (features: count x 960 floats, row-major;
 // faceIds: count ints) into the application's clusters `existing` (null or
-// count 0 for none; only read), through the public interface only.
-// Round 1 plans all new faces (planFaceRuns) and, run by run, loads the
-// run's faces, calls itf_xvk_runClustering and reads the result:
-//  - the first run is given `existing`, and its result becomes the current
-//    list;
-//  - the other runs but the round's last are given no clusters: a planned
-//    run rarely shares a person with another, and a run costs a comparison
-//    per pair of clusters it is given; their results are kept aside;
-//  - the round's last run is given the current list, then the clusters kept
-//    aside numbered after its largest id (run after run), and one bucket -1
-//    holding the faces of every bucket; its result becomes the current list.
-//    So clusters of one person in different runs are united (features at
-//    0.87 or more) and the last run's unclustered faces are offered to
-//    every cluster.
+// count 0 for none; only read), through the public interface only, in a
+// number of comparator calls that grows about linearly with the faces.
+// Round 1 plans all new faces (planFaceRuns), linking them with each other
+// and with the representatives of the application's clusters, and, run by
+// run, loads the run's faces, calls itf_xvk_runClustering and reads the
+// result. A run is fed only the clusters that can match its faces: those
+// holding a face (or an application cluster) linked to one of them. The
+// run's result takes the place of the clusters it was fed: a cluster of the
+// result takes the place of the first fed cluster whose faces it holds, the
+// others come after the clusters so far, and its bucket joins the bucket.
+// So clusters of one person in different runs are united (features at 0.87
+// or more) and a run's faces can join clusters of earlier runs.
 // Each later round takes the new faces that are in no cluster out of the
-// bucket -1 of the current list, plans them again and runs them the same
-// way, except that only the round's last run is given clusters. It stops after
-// `maxRounds` rounds, or after a round that put none of its faces into a
-// cluster. The current list is written to `result` as itf_xvk_getClusterInfo
-// writes it (the bucket -1 first, clusters numbered 0, 1, 2, ...),
-// overwriting what it held; give it back with itf_xvk_releaseClusterInfo.
+// bucket, plans them again and runs them the same way (fed through the links
+// of both plans). It stops after `maxRounds` rounds, or after a round that
+// put none of its faces into a cluster. The current list is written to
+// `result` as itf_xvk_getClusterInfo writes it: the bucket -1 first (the
+// application's unclustered faces, then the new ones), then the clusters
+// numbered 0, 1, 2, ... (the application's first, in its order, except
+// those its faces joined), each face exactly once; the application's
+// cluster ids are not kept. It overwrites what `result` held; give it back
+// with itf_xvk_releaseClusterInfo.
 // `observe`, when set, is called after every run.
 // `progress`, when set, is called after every run too; when it returns
-// false the import stops there and `result` holds what is clustered so far:
-// the current list, the clusters of the round's runs not yet united with it
-// (numbered after it, so a person may have two clusters), and in the bucket
-// -1 every new face not in a cluster, those not yet run included. Nothing
-// is lost and nothing stays queued; stats->stopped tells a stopped import.
+// false the import stops there and `result` holds what is clustered so far,
+// with every new face not yet run in the bucket -1. Nothing is lost and
+// nothing stays queued; stats->stopped tells a stopped import.
 // Returns the number of clusters in `result` (bucket included).
 // Returns -1, logs one line and changes nothing for a null handle, features,
-// faceIds or result, a count below 1, a runSize below 2, maxRounds below 1
-// or a handle that is not initialised. Returns -1 with `result` unchanged
-// when itf_xvk_runClustering rejects `existing` (it logs why; the faces
-// queued for the first run are then discarded) or when an allocation fails
-// part way (the handle's last result is then that of the last run done).
+// faceIds or result, a count below 1, a runSize below 2, maxRounds below 1,
+// a handle that is not initialised or an `existing` that
+// itf_xvk_runClustering would reject (a cluster id below -1, a negative
+// count, null faces, a featureDim neither 0 nor 960, a null feature).
+// Returns -1 with `result` unchanged when an allocation fails part way (the
+// handle's last result is then that of the last run done; nothing is
+// queued).
 // REQUIRES: face ids unique and not already in `existing`; no faces queued
 // on the handle (they would join the first run).
 XVKFC_EXPORT int clusterInPlannedRuns(
