@@ -25,8 +25,9 @@
 
 #include "interface/face_recognition.h"
 #include "planning/planned_clustering.h"
-#include "tools/gallery.h"
-#include "tools/quality.h"
+#include "evaluation/quality.h"
+#include "evaluation/synthetic_gallery.h"
+#include "interface/handle_support.h"
 
 class CFRecogInterface;
 
@@ -50,8 +51,8 @@ double maxNoise = 1.2;
 // The one place the gallery is made: people of 2 to 8 faces (about 5), one
 // lone face per 20 faces, one duplicate per 100, same-person cosine about
 // 0.41 (noise 1.2) to 0.92 (noise 0.3); shuffled and cut to `faces` rows.
-tool::Gallery importGallery(int faces) {
-  tool::GalleryOptions options;
+evaluation::Gallery importGallery(int faces) {
+  evaluation::GalleryOptions options;
   options.seed = 20261123;
   options.people = faces / 5;
   options.minFaces = 2;
@@ -61,9 +62,9 @@ tool::Gallery importGallery(int faces) {
   options.duplicates = faces / 100;
   options.minNoise = 0.3;
   options.maxNoise = maxNoise;
-  tool::Gallery all = tool::makeGallery(options);
+  evaluation::Gallery all = evaluation::makeGallery(options);
   const std::size_t rows = std::min<std::size_t>(faces, all.faceIds.size());
-  all.features.values.resize(rows * 960);
+  all.features.resize(rows * xvkfc::kFeatureDim);
   all.faceIds.resize(rows);
   all.identities.resize(rows);
   return all;
@@ -77,16 +78,16 @@ double cpuSeconds() {
 
 // Imports a gallery of `faces` faces and prints its table row.
 int importAndReport(int faces) {
-  const tool::Gallery gallery = importGallery(faces);
+  const evaluation::Gallery gallery = importGallery(faces);
   const int n = static_cast<int>(gallery.faceIds.size());
   const int people = static_cast<int>(
       std::set<int>(gallery.identities.begin(), gallery.identities.end()).size());
   FaceRecognition handle;
-  if (handle.itf_xvk_Init(".") != 960) return 1;
+  if (handle.itf_xvk_Init(".") != xvkfc::kFeatureDim) return 1;
   itf_xvk_clusterinfo result{0, nullptr};
   PlannedClusteringStats stats;
   const double start = cpuSeconds();
-  if (clusterInPlannedRuns(&handle, gallery.features.values.data(), gallery.faceIds.data(), n,
+  if (clusterInPlannedRuns(&handle, gallery.features.data(), gallery.faceIds.data(), n,
                            nullptr, kDefaultRunSize, kDefaultRounds, &result, &stats) < 0) {
     std::fprintf(stderr, "clusterInPlannedRuns failed at %d faces\n", n);
     return 1;
@@ -95,15 +96,10 @@ int importAndReport(int faces) {
   rusage usage{};
   getrusage(RUSAGE_SELF, &usage);
 
-  std::vector<tool::ClusterRecord> clusters;
-  for (int i = 0; i < result.count; ++i) {
-    const itf_xvk_clusteritem& item = result.items[i];
-    clusters.push_back({item.clusterId, std::vector<int>(item.faceIds, item.faceIds + item.faceCount)});
-  }
+  const evaluation::Quality q = evaluation::measureQuality(
+      evaluation::clusterOfFaces(result, gallery.faceIds), gallery.identities);
   handle.itf_xvk_releaseClusterInfo(&result);
   handle.itf_xvk_Release();
-  const tool::Quality q =
-      tool::measureQuality(tool::clusterOfFaces(clusters, gallery.faceIds), gallery.identities);
   const double allPairs = 0.5 * n * (n - 1.0);
   std::printf("| %6d | %6d | %12lld | %6.2f%% | %8.1f | %6.0f | %.3f / %.3f / %.3f | %.3f / %.3f / %.3f |\n",
               n, people, static_cast<long long>(comparatorCalls), 100.0 * comparatorCalls / allPairs,
