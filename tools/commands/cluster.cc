@@ -147,6 +147,7 @@ int runCluster(const ClusterOptions& options, const GlobalOptions& global) {
     report.clusters = clusters;
     report.identities = labels.identities;
     report.batches = batches;
+    report.rounds = planned;
     report.quality = quality.quality;
     writeBatchReport(options.report, std::move(report), session, features, faceIds, progress);
     std::printf("report written to %s\n", options.report.c_str());
