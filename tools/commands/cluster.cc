@@ -124,7 +124,8 @@ int runCluster(const ClusterOptions& options, const GlobalOptions& global) {
   const RunSummary& last = batches.back();
   const ScopedQuality quality = measureScoped(clusters, faceIds, labels);
   const std::string how =
-      planned ? std::to_string(plannedRuns) + " planned runs (" + std::to_string(batches.size()) +
+      planned ? std::to_string(plannedRuns) + (plannedRuns == 1 ? " planned run (" : " planned runs (") +
+                    std::to_string(batches.size()) +
                     (batches.size() == 1 ? " round)" : " rounds)")
               : std::to_string(batches.size()) + (batches.size() == 1 ? " batch" : " batches");
   std::printf("%s",

@@ -1,6 +1,7 @@
 #include "tools/report/cluster_doubts.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <set>
 #include <utility>
@@ -109,7 +110,7 @@ GalleryFigures measureGallery(const ClusterOrder& order, const std::vector<int>&
     }
   }
 
-  // Every unclustered face: its nearest clusters, then every later one.
+  // Every unclustered face: the members of its nearest clusters.
   const size_t n = order.rows.size();
   for (size_t u = order.clustered; u < n; ++u) {
     const int row = order.rows[u];
@@ -122,16 +123,52 @@ GalleryFigures measureGallery(const ClusterOrder& order, const std::vector<int>&
         best = {faceIds[row], faceIds[match], order.blockIds[b], kernelValue(s)};
     }
     if (best.matchFaceId >= 0 && best.similarity >= level) out.closeMatches.push_back(best);
-    for (size_t v = u + 1; v < n; ++v) {
-      const double s = kernelValue(score(row, order.rows[v]));
-      if (s < level) continue;
-      ++out.pairsFound;
-      out.pairs.push_back({faceIds[row], faceIds[order.rows[v]], s});
-      // Bounded: keep the closest maxPairs, trimmed whenever twice as many.
-      if (out.pairs.size() >= 2 * maxPairs + 1) {
-        std::nth_element(out.pairs.begin(), out.pairs.begin() + maxPairs, out.pairs.end(),
-                         [](const FacePair& a, const FacePair& b) { return a.similarity > b.similarity; });
-        out.pairs.resize(maxPairs);
+  }
+
+  // Pairs of unclustered faces: each face joins the groups of its two
+  // nearest reference faces (every k-th unclustered face, about sqrt(U) of
+  // them), and faces are compared within each group.
+  const size_t unclustered = n - order.clustered;
+  const size_t step = std::max<size_t>(1, static_cast<size_t>(std::sqrt(double(unclustered))));
+  std::vector<int> references;
+  for (size_t u = order.clustered; u < n; u += step) references.push_back(order.rows[u]);
+  std::vector<std::vector<int>> groups(references.size());
+  std::map<int, std::vector<int>> groupsOf;  // row -> its groups, ascending
+  for (size_t u = order.clustered; u < n; ++u) {
+    NearestBlocks nearest(2);
+    for (size_t r = 0; r < references.size(); ++r)
+      nearest.offer(order.rows[u] == references[r] ? 1024 : score(order.rows[u], references[r]),
+                    static_cast<int>(r));
+    for (const auto& [unused, r] : nearest.best()) {
+      groups[r].push_back(order.rows[u]);
+      groupsOf[order.rows[u]].push_back(r);
+    }
+    std::sort(groupsOf[order.rows[u]].begin(), groupsOf[order.rows[u]].end());
+  }
+  // The first group two faces share: where that pair is compared.
+  auto firstShared = [&](int a, int b) {
+    for (int r : groupsOf[a]) {
+      const std::vector<int>& other = groupsOf[b];
+      if (std::find(other.begin(), other.end(), r) != other.end()) return r;
+    }
+    return -1;
+  };
+  for (size_t r = 0; r < groups.size(); ++r) {
+    const std::vector<int>& group = groups[r];
+    for (size_t i = 0; i < group.size(); ++i) {
+      for (size_t j = i + 1; j < group.size(); ++j) {
+        if (firstShared(group[i], group[j]) != static_cast<int>(r)) continue;
+        const auto key = std::minmax(group[i], group[j]);
+        const double s = kernelValue(score(group[i], group[j]));
+        if (s < level) continue;
+        ++out.pairsFound;
+        out.pairs.push_back({faceIds[key.first], faceIds[key.second], s});
+        // Bounded: keep the closest maxPairs, trimmed whenever twice as many.
+        if (out.pairs.size() >= 2 * maxPairs + 1) {
+          std::nth_element(out.pairs.begin(), out.pairs.begin() + maxPairs, out.pairs.end(),
+                           [](const FacePair& a, const FacePair& b) { return a.similarity > b.similarity; });
+          out.pairs.resize(maxPairs);
+        }
       }
     }
   }

@@ -213,7 +213,7 @@ std::string closeMatchList(const std::vector<CloseMatch>& matches) {
 std::string pairList(const GalleryFigures& figures) {
   std::ostringstream out;
   out << "<h2>Unclustered faces that match each other</h2>\n<p class=\"note\">Pairs of "
-         "unclustered faces at "
+         "unclustered faces (sought among faces near the same reference face) at "
       << fixed(xvkfc::kMergeBestPairSimilarity, 2) << " or more: "
       << plural(static_cast<size_t>(figures.pairsFound), "pair") << ", the closest first"
       << (figures.pairsFound > static_cast<long>(figures.pairs.size())
