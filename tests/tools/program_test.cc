@@ -8,6 +8,8 @@
 #include <map>
 #include <sstream>
 
+#include <unistd.h>
+
 #include "evaluation/synthetic_gallery.h"
 #include "html_check.h"
 #include "interface/face_recognition.h"
@@ -66,6 +68,7 @@ TEST_F(ProgramTest, BadInputGivesOneLineAndLeavesNoOutput) {
   folder_.write("bucket.json", R"({"clusters": [{"cluster_id": -1, "face_ids": [1]}]})");
   const std::string ids = folder_.write("ids.txt", "1 2");
   const std::string labels = folder_.write("labels.txt", "7");
+  const std::string strangers = folder_.write("strangers.txt", "98 1\n99 2");
   const int inputs = folder_.entries();
 
   const struct {
@@ -76,6 +79,8 @@ TEST_F(ProgramTest, BadInputGivesOneLineAndLeavesNoOutput) {
       {{Path("short.raw")}, "truncated"},
       {{features, "--ids", ids, "--existing", Path("broken.json")}, "broken.json: malformed JSON"},
       {{features, "--labels", labels}, "labels for 2 features"},
+      // Quality over no face would read as a perfect score.
+      {{features, "--labels", strangers}, "none of its 2 face ids is a face"},
       {{features, "--ids", ids, "--existing", Path("bucket.json")},
        "face id 1 is already in the existing clusters"},
       // Checked before any work: out.json is not written either.
@@ -96,10 +101,18 @@ TEST_F(ProgramTest, BadInputGivesOneLineAndLeavesNoOutput) {
 
 TEST_F(ProgramTest, CommandLineMistakesAreUsageErrors) {
   const std::string features = folder_.write("f.f32", std::string(3840, '\0'));
+  const std::string ids = folder_.write("ids.txt", "5");
+  const std::string alias = Path("alias.f32");  // the same file under another name
+  ASSERT_EQ(link(features.c_str(), alias.c_str()), 0);
   const struct {
     std::vector<std::string> args;
     std::string expected;
   } mistakes[] = {
+      // An output that is an input is refused before it is destroyed.
+      {{"cluster", features, "-o", features}, "is the input"},
+      {{"cluster", features, "-o", alias}, "is the input " + features},
+      {{"cluster", features, "--ids", ids, "-o", Path("x"), "--assignments", ids}, "is the input"},
+      {{"compare", features, "-o", alias}, "is the input"},
       {{}, "A subcommand is required"},
       {{"cluster", features}, "--output is required"},
       {{"cluster", features, "-o", Path("x"), "--batch-size", "-3"}, "must be 0 or more, not -3"},

@@ -16,16 +16,20 @@ ClusterRecord Cluster(int id, const std::vector<int>& faces) {
   return {id, faces, faces[0], std::vector<float>(kFeatureDim, 0.0f)};
 }
 
-// Faces 10..15 as clusters 0 {10, 12} and 1 {11, 14, 15} and the unclustered
-// 13, shown in cluster order with the similarities `scores` (rows in that order).
-ReportData Sample(const std::vector<int>& scores) {
+// Faces 10..15 (rows 0..5) as clusters 0 {10, 12} and 1 {11, 14, 15} and the
+// unclustered 13, measured on the similarities `scores` given in cluster
+// order (10 12 | 11 14 15 | 13).
+ReportData Sample(const std::vector<int>& scores, const std::map<int, int>& identities = {}) {
   ReportData data;
+  data.identities = identities;
   data.clusters = {Cluster(-1, {13}), Cluster(0, {10, 12}), Cluster(1, {11, 14, 15})};
   const std::vector<int> faceIds = {10, 11, 12, 13, 14, 15};
-  data.view.order = orderByCluster(data.clusters, faceIds, 100);  // 10 12 | 11 14 15 | 13
-  data.view.facesWithFeatures = 6;
-  for (int row : data.view.order.rows) data.view.faceIds.push_back(faceIds[row]);
-  data.view.similarities = scores;
+  data.order = orderByCluster(data.clusters, faceIds);
+  std::vector<int> position(6);
+  for (int i = 0; i < 6; ++i) position[data.order.rows[i]] = i;
+  const RowScore score = [&](int a, int b) { return scores[position[a] * 6 + position[b]]; };
+  data.view = sampleSimilarities(data.order, 100, score);
+  data.figures = measureGallery(data.order, faceIds, data.identities, 0.74, 10, score);
   return data;
 }
 
@@ -33,19 +37,21 @@ TEST(ClusterOrderTest, ClustersFirstThenUnclusteredThenTheRest) {
   // Rows hold face ids 10..15; 99 has no features here (an earlier run's face).
   const std::vector<int> faceIds = {10, 11, 12, 13, 14, 15};
   const std::vector<ClusterRecord> clusters = {Cluster(-1, {14}), Cluster(0, {12, 99, 10}),
-                                               Cluster(1, {13, 11, 12})};
-  const ClusterOrder order = orderByCluster(clusters, faceIds, 100);
+                                               {1, {13, 11, 12}, 11, {}}};
+  const ClusterOrder order = orderByCluster(clusters, faceIds);
   // Face 12 is shown with the first cluster that lists it; 15 is in none.
   EXPECT_EQ(order.rows, (std::vector<int>{2, 0, 3, 1, 4, 5}));
   EXPECT_EQ(order.blocks, (std::vector<int>{2, 2}));
   EXPECT_EQ(order.blockIds, (std::vector<int>{0, 1}));
+  EXPECT_EQ(order.repRows, (std::vector<int>{2, 1}));  // representative 11; 12 is not in block 0
+  EXPECT_EQ(order.clustered, 4);
 
-  // Thinned: every clustered face stays, the two after them become one.
-  const ClusterOrder thin = orderByCluster(clusters, faceIds, 3);
-  EXPECT_EQ(thin.rows, (std::vector<int>{2, 0, 3, 1, 4}));
-  EXPECT_EQ(thin.blocks, (std::vector<int>{2, 2}));
+  // The picture samples the order evenly.
+  const SimilarityView view =
+      sampleSimilarities(order, 3, [](int a, int b) { return 100 * a + b; });
+  EXPECT_EQ(view.shown, (std::vector<int>{0, 2, 4}));
+  EXPECT_EQ(view.similarities[1], 203);  // rows 2 and 3
 }
-
 TEST(ReportTest, WellFormedEscapedPageWithAHeatMapInClusterOrderAndClustersOutlined) {
   // Distinct scores, asymmetric on purpose so that a transposed map shows.
   std::vector<int> scores;
@@ -71,17 +77,14 @@ TEST(ReportTest, WellFormedEscapedPageWithAHeatMapInClusterOrderAndClustersOutli
   };
   for (int i = 0; i < 6; ++i) {
     for (int j = 0; j < 6; ++j) {
-      const Rgb expected = heatColor(data.view.similarities[i * 6 + j]);
+      const Rgb expected = heatColor(data.view.similarities[i * 6 + j]);  // in cluster order
       EXPECT_EQ(pixel(j * cell + cell / 2, i * cell + cell / 2),
                 (std::vector<int>{expected.r, expected.g, expected.b}))
           << i << "," << j;
     }
   }
-  // Cluster 0 (two faces) is outlined; the unclustered face, last, is not.
-  EXPECT_EQ(pixel(0, cell), (std::vector<int>{255, 64, 64}));
-  EXPECT_NE(pixel(5 * cell, 5 * cell + cell / 2), (std::vector<int>{255, 64, 64}));
-  // The blocks carry their cluster ids.
-  EXPECT_NE(html.find("<title>cluster 1: 3 faces</title>"), std::string::npos);
+  // The blocks are outlined over the picture with their cluster ids.
+  EXPECT_NE(html.find("<title>cluster 1: 3 faces"), std::string::npos);
 }
 
 // Which clusters a reader should doubt: on scores made up so that cluster 1
@@ -89,22 +92,21 @@ TEST(ReportTest, WellFormedEscapedPageWithAHeatMapInClusterOrderAndClustersOutli
 // and the unclustered face 13 nearly matches face 10.
 TEST(ReportTest, ClustersToDoubtAreMarkedAndListedFirst) {
   // clang-format off
-  ReportData data = Sample({1023,  990,  500,  500,  500,  900,
+  const std::vector<int> scores({1023,  990,  500,  500,  500,  900,
                              990, 1023,  500,  500,  500,  500,
                              500,  500, 1023,  950,  600,  500,
                              500,  500,  950, 1023,  800,  500,
                              500,  500,  600,  800, 1023,  500,
                              900,  500,  500,  500,  500, 1023});
   // clang-format on
-  data.identities = {{10, 1}, {12, 1}, {11, 2}, {14, 2}, {15, 3}, {13, 1}};
-
-  const std::vector<ClusterFigures> figures = clusterFigures(data.view, data.identities);
+  ReportData data = Sample(scores, {{10, 1}, {12, 1}, {11, 2}, {14, 2}, {15, 3}, {13, 1}});
+  const std::vector<ClusterFigures>& figures = data.figures.clusters;
   ASSERT_EQ(figures.size(), 2u);
   EXPECT_NEAR(figures[1].lowestInside, 600 / 1023.0, 1e-9);
   EXPECT_NEAR(figures[1].meanInside, (950 + 600 + 800) / 3.0 / 1023.0, 1e-9);
   EXPECT_EQ(figures[0].doubts, std::vector<std::string>{});
   EXPECT_EQ(figures[1].doubts.size(), 2u);  // two identities, a pair below 0.69 (706)
-  const std::vector<CloseMatch> close = closeUnclustered(data.view, 0.74);
+  const std::vector<CloseMatch>& close = data.figures.closeMatches;
   ASSERT_EQ(close.size(), 1u);
   EXPECT_EQ(std::tie(close[0].faceId, close[0].matchFaceId, close[0].clusterId),
             std::make_tuple(13, 10, 0));
@@ -114,6 +116,7 @@ TEST(ReportTest, ClustersToDoubtAreMarkedAndListedFirst) {
   const size_t doubted = html.find("<tr class=\"doubt\"><td>1</td>");
   ASSERT_NE(doubted, std::string::npos);
   EXPECT_LT(doubted, html.find("<tr><td>0</td>"));
+  EXPECT_NE(html.find("<rect class=\"doubt\" x=\"2\""), std::string::npos);  // in the picture too
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 // xvkfc cluster: features from a file, optionally with the clusters of an
 // earlier run, clustered and written as the next clusters file.
+#include <algorithm>
 #include <cstdio>
 #include <memory>
 #include <set>
@@ -45,7 +46,8 @@ void checkOptions(const ClusterOptions& options) {
   if (!options.metrics.empty() && options.labels.empty()) {
     throw UsageError("--metrics-json needs --labels: quality is measured against known labels");
   }
-  checkOutputPaths({options.output, options.report, options.assignments, options.metrics});
+  checkOutputPaths({options.output, options.report, options.assignments, options.metrics},
+                   {options.features, options.ids, options.existing, options.labels});
 }
 
 void rejectKnownFaces(const std::vector<int>& faceIds, const std::vector<ClusterRecord>& existing,
@@ -77,6 +79,16 @@ int runCluster(const ClusterOptions& options, const GlobalOptions& global) {
   if (!options.labels.empty()) {
     labels = readLabels(options.labels, faceIds);
     plan.identities = labels.identities;
+    // Quality over no face would read as a perfect score.
+    std::set<int> gallery(faceIds.begin(), faceIds.end());
+    for (const ClusterRecord& cluster : existing)
+      gallery.insert(cluster.faceIds.begin(), cluster.faceIds.end());
+    if (std::none_of(gallery.begin(), gallery.end(),
+                     [&](int face) { return labels.identities.count(face) > 0; })) {
+      throw ToolError(options.labels + ": none of its " +
+                      std::to_string(labels.identities.size()) +
+                      " face ids is a face of this run or of --existing");
+    }
   }
   progress.end(std::to_string(features.rows()) + " features");
 
@@ -112,7 +124,8 @@ int runCluster(const ClusterOptions& options, const GlobalOptions& global) {
   const RunSummary& last = batches.back();
   const ScopedQuality quality = measureScoped(clusters, faceIds, labels);
   const std::string how =
-      planned ? std::to_string(plannedRuns) + " planned runs (" + std::to_string(batches.size()) +
+      planned ? std::to_string(plannedRuns) + (plannedRuns == 1 ? " planned run (" : " planned runs (") +
+                    std::to_string(batches.size()) +
                     (batches.size() == 1 ? " round)" : " rounds)")
               : std::to_string(batches.size()) + (batches.size() == 1 ? " batch" : " batches");
   std::printf("%s",
@@ -135,6 +148,7 @@ int runCluster(const ClusterOptions& options, const GlobalOptions& global) {
     report.clusters = clusters;
     report.identities = labels.identities;
     report.batches = batches;
+    report.rounds = planned;
     report.quality = quality.quality;
     writeBatchReport(options.report, std::move(report), session, features, faceIds, progress);
     std::printf("report written to %s\n", options.report.c_str());

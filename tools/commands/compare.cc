@@ -17,7 +17,7 @@ struct CompareOptions {
 };
 
 int runCompare(const CompareOptions& options, const GlobalOptions& global) {
-  checkOutputPaths({options.output});
+  checkOutputPaths({options.output}, {options.first, options.second});
   const FeatureMatrix a = readFeatures(options.first);
   const FeatureMatrix b = options.second.empty() ? a : readFeatures(options.second);
   EngineSession session(global.models);

@@ -12,6 +12,7 @@
 #include "tools/formats/atomic_file.h"
 #include "tools/formats/cluster_json.h"
 #include "tools/formats/labels.h"
+#include "tools/formats/output_paths.h"
 #include "tools/report/report.h"
 #include "tools/run/batch_run.h"
 #include "tools/run/planned_run.h"
@@ -25,6 +26,11 @@ struct DemoOptions {
   int batches = 4;
   std::string output, report, saveGallery;
 };
+
+// "1 face", "2 faces"; "1 person", "2 people".
+std::string count(int n, const std::string& one, const std::string& many = "") {
+  return std::to_string(n) + " " + (n == 1 ? one : many.empty() ? one + "s" : many);
+}
 
 std::string integersText(const std::vector<int>& values) {
   std::string text;
@@ -63,7 +69,15 @@ void printSideBySide(EngineSession& session, const FeatureMatrix& features,
 
 int runDemo(const DemoOptions& options, const GlobalOptions& global) {
   const evaluation::GalleryOptions& g = options.gallery;
-  if (g.minFaces > g.maxFaces) throw ToolError("--min-faces must not exceed --max-faces");
+  if (g.minFaces > g.maxFaces) throw UsageError("--min-faces must not exceed --max-faces");
+  // The gallery folder is created, so only its parent must exist.
+  const std::string galleryProbe =
+      options.saveGallery.empty() ? "" : options.saveGallery + "/features.npy";
+  struct stat folder;
+  checkOutputPaths({options.output, options.report,
+                    galleryProbe.empty() || stat(options.saveGallery.c_str(), &folder) == 0
+                        ? galleryProbe
+                        : options.saveGallery});
   Progress progress(global.quiet, global.verbose);
   progress.begin("making the synthetic gallery");
   evaluation::Gallery gallery = evaluation::makeGallery(g);
@@ -72,10 +86,15 @@ int runDemo(const DemoOptions& options, const GlobalOptions& global) {
   const int faces = features.rows();
   const int batchSize = (faces + options.batches - 1) / options.batches;
   std::printf(
-      "Synthetic gallery (seed %u): %d people with %d to %d faces each (%d of them look-alikes), "
-      "%d lone faces, %d duplicates: %d faces, clustered in %d batches of up to %d.\n",
-      g.seed, g.people, g.minFaces, g.maxFaces, std::min(g.lookAlikes, g.people - 1), g.loneFaces,
-      g.duplicates, faces, options.batches, batchSize);
+      "Synthetic gallery (seed %u): %s with %s each (%d of them look-alikes), "
+      "%s, %s: %s, clustered in %s of up to %d.\n",
+      g.seed, count(g.people, "person", "people").c_str(),
+      (g.minFaces == g.maxFaces ? count(g.minFaces, "face")
+                                : std::to_string(g.minFaces) + " to " + count(g.maxFaces, "face"))
+          .c_str(),
+      std::min(g.lookAlikes, g.people - 1), count(g.loneFaces, "lone face").c_str(),
+      count(g.duplicates, "duplicate").c_str(), count(faces, "face").c_str(),
+      count(options.batches, "batch", "batches").c_str(), batchSize);
   std::fflush(stdout);
   if (!options.saveGallery.empty()) saveGallery(options.saveGallery, features, gallery);
 
@@ -112,11 +131,12 @@ int runDemo(const DemoOptions& options, const GlobalOptions& global) {
   if (!options.report.empty()) {
     ReportData report;
     report.title = "xvkfc demo";
-    char input[200];
+    char input[300];
     std::snprintf(input, sizeof input,
-                  "A synthetic gallery from seed %u: %d faces of %d people and %d lone faces "
-                  "(with %d duplicates), clustered in %d batches.",
-                  g.seed, faces, g.people, g.loneFaces, g.duplicates, options.batches);
+                  "A synthetic gallery from seed %u: %s of %s and %s (with %s), clustered in %s.",
+                  g.seed, count(faces, "face").c_str(), count(g.people, "person", "people").c_str(),
+                  count(g.loneFaces, "lone face").c_str(), count(g.duplicates, "duplicate").c_str(),
+                  count(options.batches, "batch", "batches").c_str());
     report.input = input;
     report.clusters = clusters;
     report.identities = plan.identities;

@@ -89,7 +89,7 @@ YuvImage readImage(const ExtractOptions& options) {
 }
 
 int runExtract(const ExtractOptions& options, const GlobalOptions& global) {
-  checkOutputPaths({options.output});
+  checkOutputPaths({options.output}, {options.image});
   YuvImage yuv = readImage(options);
   const int width = yuv.width, height = yuv.height;
   std::vector<itf_xvk_faceroi> rois;

@@ -47,7 +47,7 @@ int runRepresentative(const RepresentativeOptions& options, const GlobalOptions&
   if (options.clusters.empty() != (options.cluster < 0)) {
     throw UsageError("--clusters and --cluster go together (a cluster id of 0 or more)");
   }
-  checkOutputPaths({options.output});
+  checkOutputPaths({options.output}, {options.features, options.ids, options.clusters});
   const FeatureMatrix all = readFeatures(options.features);
   const std::vector<int> faceIds = readFaceIds(options.ids, all.rows());
   std::vector<int> rows;

@@ -18,14 +18,22 @@ std::string folderOf(const std::string& path) {
 
 }  // namespace
 
-void checkOutputPaths(const std::vector<std::string>& paths) {
+void checkOutputPaths(const std::vector<std::string>& paths,
+                      const std::vector<std::string>& inputs) {
   std::set<std::string> seen;
   for (const std::string& path : paths) {
-    if (path.empty()) continue;
+    if (path.empty() || path == "-") continue;
     if (!seen.insert(path).second) throw UsageError(path + ": named as two different outputs");
     struct stat info;
-    if (stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode)) {
-      throw UsageError(path + ": is a folder, not a file to write");
+    if (stat(path.c_str(), &info) == 0) {
+      if (S_ISDIR(info.st_mode)) throw UsageError(path + ": is a folder, not a file to write");
+      for (const std::string& input : inputs) {
+        struct stat in;
+        if (!input.empty() && stat(input.c_str(), &in) == 0 && in.st_dev == info.st_dev &&
+            in.st_ino == info.st_ino) {
+          throw UsageError(path + ": is the input " + input + "; writing it would destroy it");
+        }
+      }
     }
     const std::string folder = folderOf(path);
     if (stat(folder.c_str(), &info) != 0 || !S_ISDIR(info.st_mode)) {

@@ -8,11 +8,13 @@
 
 namespace tool {
 
-// Checks the paths of `paths` in order (empty ones are skipped): throws
-// UsageError for a path that is a folder or that an earlier entry also
-// names, and ToolError for one whose folder does not exist or cannot be
-// written to.
-void checkOutputPaths(const std::vector<std::string>& paths);
+// Checks the paths of `paths` in order (empty ones and "-", standard
+// output, are skipped): throws UsageError for a path that is a folder, that
+// an earlier entry also names, or that is the same file as one of `inputs`
+// (by device and inode, so another name of the file is caught too), and
+// ToolError for one whose folder does not exist or cannot be written to.
+void checkOutputPaths(const std::vector<std::string>& paths,
+                      const std::vector<std::string>& inputs = {});
 
 }  // namespace tool
 

@@ -1,8 +1,10 @@
 #include "tools/report/cluster_doubts.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <set>
+#include <utility>
 
 #include "interface/handle_support.h"
 
@@ -17,82 +19,164 @@ std::string twoPlaces(const char* format, double value) {
   return text;
 }
 
-// The block index of each shown row; -1 after the clusters.
-std::vector<int> blockOfRows(const SimilarityView& view) {
-  std::vector<int> block(view.faceIds.size(), -1);
-  size_t row = 0;
-  for (size_t b = 0; b < view.order.blocks.size(); ++b) {
-    for (int i = 0; i < view.order.blocks[b]; ++i) block[row++] = static_cast<int>(b);
+// Keeps the k highest-scored blocks offered, the highest first.
+class NearestBlocks {
+ public:
+  explicit NearestBlocks(size_t k) : k_(k) {}
+  void offer(int score, int block) {
+    if (best_.size() == k_ && score <= best_.back().first) return;
+    best_.insert(std::upper_bound(best_.begin(), best_.end(), std::make_pair(score, block),
+                                  [](const auto& a, const auto& b) { return a.first > b.first; }),
+                 {score, block});
+    if (best_.size() > k_) best_.pop_back();
   }
-  return block;
-}
+  const std::vector<std::pair<int, int>>& best() const { return best_; }
+
+ private:
+  size_t k_;
+  std::vector<std::pair<int, int>> best_;
+};
 
 }  // namespace
 
-std::vector<ClusterFigures> clusterFigures(const SimilarityView& view,
-                                           const std::map<int, int>& identities) {
-  const size_t n = view.faceIds.size();
-  const std::vector<int> block = blockOfRows(view);
-  std::vector<ClusterFigures> figures(view.order.blocks.size());
-  std::vector<double> sums(figures.size(), 0.0);
-  std::vector<std::set<int>> known(figures.size());
-  for (size_t b = 0; b < figures.size(); ++b) {
-    figures[b].id = view.order.blockIds[b];
-    figures[b].faces = view.order.blocks[b];
-  }
-  for (size_t i = 0; i < n; ++i) {
-    if (block[i] < 0) continue;
-    ClusterFigures& own = figures[block[i]];
-    const auto identity = identities.find(view.faceIds[i]);
-    if (identity != identities.end()) known[block[i]].insert(identity->second);
-    for (size_t j = 0; j < n; ++j) {
-      if (j == i || block[j] < 0) continue;
-      const double similarity = kernelValue(view.similarities[i * n + j]);
-      if (block[j] == block[i]) {
-        own.lowestInside = std::min(own.lowestInside, similarity);
-        if (j > i) sums[block[i]] += similarity;
-      } else if (similarity > own.bestOther) {
-        own.bestOther = similarity;
-        own.nearestCluster = view.order.blockIds[block[j]];
-      }
+GalleryFigures measureGallery(const ClusterOrder& order, const std::vector<int>& faceIds,
+                              const std::map<int, int>& identities, double level, size_t maxPairs,
+                              const RowScore& countedScore) {
+  GalleryFigures out;
+  const RowScore score = [&](int a, int b) {
+    ++out.comparisons;
+    return countedScore(a, b);
+  };
+  const size_t blocks = order.blocks.size();
+  std::vector<int> start(blocks + 1, 0);
+  for (size_t b = 0; b < blocks; ++b) start[b + 1] = start[b] + order.blocks[b];
+  auto members = [&](size_t b) {
+    return std::make_pair(order.rows.begin() + start[b], order.rows.begin() + start[b + 1]);
+  };
+  // The highest score of `row` to a member of block b, and that member.
+  auto bestIn = [&](int row, size_t b) {
+    std::pair<int, int> best{-1, -1};
+    const auto [first, last] = members(b);
+    for (auto it = first; it != last; ++it) best = std::max(best, {score(row, *it), *it});
+    return best;
+  };
+
+  // Inside each cluster, and its nearest clusters by representative.
+  std::vector<NearestBlocks> near(blocks, NearestBlocks(kNearestClusters));
+  for (size_t b = 0; b < blocks; ++b) {
+    for (size_t d = b + 1; d < blocks; ++d) {
+      const int s = score(order.repRows[b], order.repRows[d]);
+      near[b].offer(s, static_cast<int>(d));
+      near[d].offer(s, static_cast<int>(b));
     }
   }
-  for (size_t b = 0; b < figures.size(); ++b) {
-    ClusterFigures& f = figures[b];
+  out.clusters.resize(blocks);
+  for (size_t b = 0; b < blocks; ++b) {
+    ClusterFigures& f = out.clusters[b];
+    f.id = order.blockIds[b];
+    f.faces = order.blocks[b];
+    const auto [first, last] = members(b);
+    double sum = 0.0;
+    std::set<int> known;
+    for (auto i = first; i != last; ++i) {
+      const auto identity = identities.find(faceIds[*i]);
+      if (identity != identities.end()) known.insert(identity->second);
+      for (auto j = i + 1; j != last; ++j) {
+        const double s = kernelValue(score(*i, *j));
+        f.lowestInside = std::min(f.lowestInside, s);
+        sum += s;
+      }
+    }
     const double pairs = 0.5 * f.faces * (f.faces - 1);
-    if (pairs > 0) f.meanInside = sums[b] / pairs;
-    f.identities = static_cast<int>(known[b].size());
+    if (pairs > 0) f.meanInside = sum / pairs;
+    for (const auto& [unused, d] : near[b].best()) {
+      for (auto i = first; i != last; ++i) {
+        const double s = kernelValue(bestIn(*i, d).first);
+        if (s > f.bestOther) {
+          f.bestOther = s;
+          f.nearestCluster = order.blockIds[d];
+        }
+      }
+    }
+    f.identities = static_cast<int>(known.size());
     if (f.identities > 1) f.doubts.push_back(std::to_string(f.identities) + " identities");
     if (f.lowestInside < xvkfc::kSplitSimilarity)
       f.doubts.push_back(twoPlaces("a pair inside below %.2f", xvkfc::kSplitSimilarity));
     if (f.meanInside < xvkfc::kSplitSimilarity)
       f.doubts.push_back(twoPlaces("mean inside below %.2f", xvkfc::kSplitSimilarity));
-    if (f.bestOther >= xvkfc::kMergeBestPairSimilarity) {
+    if (f.bestOther >= level) {
       f.doubts.push_back("a face of cluster " + std::to_string(f.nearestCluster) +
-                         twoPlaces(" at %.2f or more", xvkfc::kMergeBestPairSimilarity));
+                         twoPlaces(" at %.2f or more", level));
     }
   }
-  return figures;
-}
 
-std::vector<CloseMatch> closeUnclustered(const SimilarityView& view, double level) {
-  const size_t n = view.faceIds.size();
-  const std::vector<int> block = blockOfRows(view);
-  std::vector<CloseMatch> matches;
-  for (size_t i = 0; i < n; ++i) {
-    if (block[i] >= 0) continue;
+  // Every unclustered face: the members of its nearest clusters.
+  const size_t n = order.rows.size();
+  for (size_t u = order.clustered; u < n; ++u) {
+    const int row = order.rows[u];
+    NearestBlocks nearest(kNearestClusters);
+    for (size_t b = 0; b < blocks; ++b) nearest.offer(score(row, order.repRows[b]), int(b));
     CloseMatch best;
-    for (size_t j = 0; j < n; ++j) {
-      const double similarity = kernelValue(view.similarities[i * n + j]);
-      if (block[j] < 0 || similarity <= best.similarity) continue;
-      best = {view.faceIds[i], view.faceIds[j], view.order.blockIds[block[j]], similarity};
+    for (const auto& [unused, b] : nearest.best()) {
+      const auto [s, match] = bestIn(row, b);
+      if (kernelValue(s) > best.similarity)
+        best = {faceIds[row], faceIds[match], order.blockIds[b], kernelValue(s)};
     }
-    if (best.matchFaceId >= 0 && best.similarity >= level) matches.push_back(best);
+    if (best.matchFaceId >= 0 && best.similarity >= level) out.closeMatches.push_back(best);
   }
-  std::stable_sort(matches.begin(), matches.end(), [](const CloseMatch& a, const CloseMatch& b) {
-    return a.similarity > b.similarity;
-  });
-  return matches;
+
+  // Pairs of unclustered faces: each face joins the groups of its two
+  // nearest reference faces (every k-th unclustered face, about sqrt(U) of
+  // them), and faces are compared within each group.
+  const size_t unclustered = n - order.clustered;
+  const size_t step = std::max<size_t>(1, static_cast<size_t>(std::sqrt(double(unclustered))));
+  std::vector<int> references;
+  for (size_t u = order.clustered; u < n; u += step) references.push_back(order.rows[u]);
+  std::vector<std::vector<int>> groups(references.size());
+  std::map<int, std::vector<int>> groupsOf;  // row -> its groups, ascending
+  for (size_t u = order.clustered; u < n; ++u) {
+    NearestBlocks nearest(2);
+    for (size_t r = 0; r < references.size(); ++r)
+      nearest.offer(order.rows[u] == references[r] ? 1024 : score(order.rows[u], references[r]),
+                    static_cast<int>(r));
+    for (const auto& [unused, r] : nearest.best()) {
+      groups[r].push_back(order.rows[u]);
+      groupsOf[order.rows[u]].push_back(r);
+    }
+    std::sort(groupsOf[order.rows[u]].begin(), groupsOf[order.rows[u]].end());
+  }
+  // The first group two faces share: where that pair is compared.
+  auto firstShared = [&](int a, int b) {
+    for (int r : groupsOf[a]) {
+      const std::vector<int>& other = groupsOf[b];
+      if (std::find(other.begin(), other.end(), r) != other.end()) return r;
+    }
+    return -1;
+  };
+  for (size_t r = 0; r < groups.size(); ++r) {
+    const std::vector<int>& group = groups[r];
+    for (size_t i = 0; i < group.size(); ++i) {
+      for (size_t j = i + 1; j < group.size(); ++j) {
+        if (firstShared(group[i], group[j]) != static_cast<int>(r)) continue;
+        const auto key = std::minmax(group[i], group[j]);
+        const double s = kernelValue(score(group[i], group[j]));
+        if (s < level) continue;
+        ++out.pairsFound;
+        out.pairs.push_back({faceIds[key.first], faceIds[key.second], s});
+        // Bounded: keep the closest maxPairs, trimmed whenever twice as many.
+        if (out.pairs.size() >= 2 * maxPairs + 1) {
+          std::nth_element(out.pairs.begin(), out.pairs.begin() + maxPairs, out.pairs.end(),
+                           [](const FacePair& a, const FacePair& b) { return a.similarity > b.similarity; });
+          out.pairs.resize(maxPairs);
+        }
+      }
+    }
+  }
+  auto closer = [](const auto& a, const auto& b) { return a.similarity > b.similarity; };
+  std::stable_sort(out.closeMatches.begin(), out.closeMatches.end(), closer);
+  std::stable_sort(out.pairs.begin(), out.pairs.end(), closer);
+  if (out.pairs.size() > maxPairs) out.pairs.resize(maxPairs);
+  return out;
 }
 
 }  // namespace tool

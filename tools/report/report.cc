@@ -13,12 +13,9 @@
 namespace tool {
 namespace {
 
-// The heat map is drawn at least this many pixels wide when it has few faces.
+// The picture is drawn at least this many pixels wide when it has few faces.
 constexpr int kHeatMapTargetPixels = 640;
 constexpr int kHeatMapMaxScale = 12;
-// A run's heat map shows at most this many faces; more are thinned out,
-// since the report compares every shown pair.
-constexpr int kReportMaxFaces = 600;
 // Members listed per cluster row before the list is cut short.
 constexpr size_t kMembersShown = 40;
 // Unclustered faces with a close match listed at most.
@@ -33,11 +30,18 @@ th { background: #f0f0f0; } .members { text-align: left; max-width: 40em; }
 .note { color: #555; font-size: 0.9em; max-width: 60em; }
 .legend { display: inline-block; width: 320px; height: 14px; vertical-align: middle;
   background: linear-gradient(to right, #440154, #3b528b, #21918c, #5ec962, #fde725); }
-img.heat { image-rendering: pixelated; border: 1px solid #888; display: block; }
-.heatwrap { position: relative; display: inline-block; }
-.heatwrap svg.overlay { position: absolute; left: 1px; top: 1px; }
+img.heat { image-rendering: pixelated; display: block; width: 100%; height: auto; }
+.heatwrap { position: relative; width: 100%; outline: 1px solid #888; }
+.heatwrap svg.overlay { position: absolute; left: 0; top: 0; width: 100%; height: 100%; }
+svg.overlay rect { fill: transparent; stroke: #fff; stroke-opacity: 0.6; stroke-width: 1; }
+svg.overlay rect.doubt { stroke: #ff2020; stroke-opacity: 1; stroke-width: 2.5; }
 tr.doubt td { background: #fde8e8; }
 )";
+
+// "1 face", "2 faces".
+std::string plural(size_t count, const std::string& noun) {
+  return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
+}
 
 std::string fixed(double value, int digits) {
   char text[32];
@@ -69,9 +73,9 @@ std::string qualityTable(const evaluation::Quality& quality) {
   return out.str();
 }
 
-std::string batchTable(const std::vector<RunSummary>& batches) {
+std::string batchTable(const std::vector<RunSummary>& batches, bool rounds) {
   std::ostringstream out;
-  out << "<table><tr><th>batch</th><th>faces loaded</th><th>clusters</th><th>unclustered</th>"
+  out << "<table><tr><th>" << (rounds ? "round" : "batch") << "</th><th>faces loaded</th><th>clusters</th><th>unclustered</th>"
          "<th>seconds</th><th>pairwise F</th><th>BCubed F</th></tr>\n";
   for (const RunSummary& batch : batches) {
     out << "<tr><td>" << batch.batch << "</td><td>" << batch.facesLoaded << "</td><td>"
@@ -118,7 +122,7 @@ std::string memberList(const ClusterRecord& cluster) {
 std::string clusterTable(const ReportData& data) {
   const bool withIdentities = !data.identities.empty();
   std::map<int, ClusterFigures> figuresOf;
-  for (const ClusterFigures& f : clusterFigures(data.view, data.identities)) figuresOf[f.id] = f;
+  for (const ClusterFigures& f : data.figures.clusters) figuresOf[f.id] = f;
   auto rank = [&](const ClusterRecord& cluster) {
     const auto it = figuresOf.find(cluster.id);
     if (cluster.id < 0) return 3;
@@ -134,7 +138,8 @@ std::string clusterTable(const ReportData& data) {
   std::ostringstream out;
   out << "<p class=\"note\">Similarities are the engine's (0 to 1, a score of 1023 divided by "
          "1023). <em>lowest</em> and <em>mean</em>: over the pairs of members; <em>nearest</em>: "
-         "the highest similarity of a member to a face of another cluster. Rows in red are worth "
+         "the highest similarity of a member to a face of another cluster, among the "
+      << kNearestClusters << " clusters whose representative faces are nearest its own. Rows in red are worth "
          "a look: a pair or the mean inside below "
       << fixed(xvkfc::kSplitSimilarity, 2) << " (the level below which the engine splits), a "
       << "face of another cluster at " << fixed(xvkfc::kMergeBestPairSimilarity, 2)
@@ -181,13 +186,13 @@ std::string clusterTable(const ReportData& data) {
 
 // Unclustered faces that a clustered face resembles at the small-cluster
 // join level or more: candidates for a manual merge.
-std::string closeMatchList(const SimilarityView& view) {
-  const std::vector<CloseMatch> matches = closeUnclustered(view, xvkfc::kMergeBestPairSimilarity);
+std::string closeMatchList(const std::vector<CloseMatch>& matches) {
   std::ostringstream out;
-  out << "<h2>Unclustered faces with a close match</h2>\n<p class=\"note\">Shown unclustered "
-         "faces whose most similar clustered face reaches "
-      << fixed(xvkfc::kMergeBestPairSimilarity, 2) << ": " << matches.size() << " face"
-      << (matches.size() == 1 ? "" : "s") << ", the closest first"
+  out << "<h2>Unclustered faces with a close match</h2>\n<p class=\"note\">Unclustered faces "
+         "whose most similar clustered face (among the members of the "
+      << kNearestClusters << " clusters whose representatives are nearest) reaches "
+      << fixed(xvkfc::kMergeBestPairSimilarity, 2) << ": " << plural(matches.size(), "face")
+      << ", the closest first"
       << (matches.size() > kCloseMatchesShown
               ? " (the first " + std::to_string(kCloseMatchesShown) + " listed)"
               : "")
@@ -204,27 +209,52 @@ std::string closeMatchList(const SimilarityView& view) {
   return out.str();
 }
 
-// Cluster ids over the heat map's blocks: an outline with a tooltip for
-// every block, and the id written in when the block has room for it.
-std::string heatMapOverlay(const ClusterOrder& order, int scale, int side) {
+// Pairs of unclustered faces that match each other: the faces worth another run.
+std::string pairList(const GalleryFigures& figures) {
   std::ostringstream out;
-  out << "<svg class=\"overlay\" width=\"" << side << "\" height=\"" << side << "\" viewBox=\"0 0 "
-      << side << " " << side << "\" font-family=\"sans-serif\">\n";
+  out << "<h2>Unclustered faces that match each other</h2>\n<p class=\"note\">Pairs of "
+         "unclustered faces (sought among faces near the same reference face) at "
+      << fixed(xvkfc::kMergeBestPairSimilarity, 2) << " or more: "
+      << plural(static_cast<size_t>(figures.pairsFound), "pair") << ", the closest first"
+      << (figures.pairsFound > static_cast<long>(figures.pairs.size())
+              ? " (the closest " + std::to_string(figures.pairs.size()) + " listed)"
+              : "")
+      << ". Run them again together to let the library cluster them.</p>\n";
+  if (figures.pairs.empty()) return out.str();
+  out << "<table class=\"pairs\"><tr><th>face</th><th>face</th><th>similarity</th></tr>\n";
+  for (const FacePair& pair : figures.pairs) {
+    out << "<tr><td>" << pair.faceA << "</td><td>" << pair.faceB << "</td><td>"
+        << fixed(pair.similarity, 3) << "</td></tr>\n";
+  }
+  out << "</table>\n";
+  return out.str();
+}
+
+// Cluster outlines over the picture, in units of faces along the order (the
+// picture samples them evenly): doubtful clusters in red, a tooltip for
+// every block, and the id written in when the block has room for it.
+std::string heatMapOverlay(const ReportData& data) {
+  const int n = static_cast<int>(data.order.rows.size());
+  // Faces per pixel of a picture about kPictureFaces pixels wide.
+  const double unit = std::max(1.0, n / double(kPictureFaces));
+  std::ostringstream out;
+  out << "<svg class=\"overlay\" viewBox=\"0 0 " << n << " " << n
+      << "\" preserveAspectRatio=\"none\" font-family=\"sans-serif\">\n";
   int start = 0;
-  for (size_t b = 0; b < order.blocks.size(); ++b) {
-    const int x = start * scale, extent = order.blocks[b] * scale;
-    const std::string id = std::to_string(order.blockIds[b]);
-    out << "<rect x=\"" << x << "\" y=\"" << x << "\" width=\"" << extent << "\" height=\""
-        << extent << "\" fill=\"transparent\" pointer-events=\"all\"><title>cluster " << id << ": "
-        << order.blocks[b] << " face" << (order.blocks[b] == 1 ? "" : "s") << "</title></rect>\n";
-    const int fontSize = std::min(extent - 2, 14);
-    if (fontSize >= 8 && extent >= fontSize * static_cast<int>(id.size()) * 0.7) {
-      out << "<text x=\"" << x + 2 << "\" y=\"" << x + fontSize << "\" font-size=\"" << fontSize
-          << "\" fill=\"#fff\" stroke=\"#000\" stroke-width=\"0.6\" paint-order=\"stroke\" "
-             "pointer-events=\"none\">"
-          << id << "</text>\n";
+  for (size_t b = 0; b < data.order.blocks.size(); ++b) {
+    const int extent = data.order.blocks[b];
+    const bool doubted = b < data.figures.clusters.size() && !data.figures.clusters[b].doubts.empty();
+    const std::string id = std::to_string(data.order.blockIds[b]);
+    out << "<rect" << (doubted ? " class=\"doubt\"" : "") << " x=\"" << start << "\" y=\""
+        << start << "\" width=\"" << extent << "\" height=\"" << extent
+        << "\" vector-effect=\"non-scaling-stroke\" pointer-events=\"all\"><title>cluster " << id
+        << ": " << plural(extent, "face") << (doubted ? ", marked" : "") << "</title></rect>\n";
+    const double fontSize = 12 * unit;
+    if (extent >= fontSize * (id.size() * 0.7 + 0.5)) {
+      out << "<text x=\"" << start + unit << "\" y=\"" << start + fontSize << "\" font-size=\""
+          << fontSize << "\" fill=\"#fff\" pointer-events=\"none\">" << id << "</text>\n";
     }
-    start += order.blocks[b];
+    start += extent;
   }
   out << "</svg>";
   return out.str();
@@ -270,9 +300,10 @@ std::string renderReport(const ReportData& data) {
       ++clustersOfSize[static_cast<int>(cluster.faceIds.size())];
     }
   }
-  const SimilarityView& view = data.view;
-  const int shown = static_cast<int>(view.faceIds.size());
+  const int n = static_cast<int>(data.order.rows.size());
+  const int shown = static_cast<int>(data.view.shown.size());
   const int scale = std::clamp(kHeatMapTargetPixels / std::max(shown, 1), 1, kHeatMapMaxScale);
+  const char* round = data.rounds ? "rounds of planned runs" : "batches";
 
   std::ostringstream out;
   out << "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n<title>"
@@ -283,35 +314,39 @@ std::string renderReport(const ReportData& data) {
       << "<tr><th>clusters</th><td>" << clusters << "</td></tr>\n"
       << "<tr><th>unclustered faces</th><td>" << unclustered << "</td></tr>\n"
       << "<tr><th>face entries in the result</th><td>" << faces << "</td></tr>\n"
-      << "<tr><th>batches</th><td>" << data.batches.size() << "</td></tr>\n</table>\n";
+      << "<tr><th>" << round << "</th><td>" << data.batches.size() << "</td></tr>\n</table>\n";
   out << "<p class=\"note\">A cluster is one person as the library sees it. Unclustered faces "
          "matched nobody closely enough; the library keeps them apart and offers them to the "
-         "existing clusters again in later runs.</p>\n";
+         "existing clusters again in later runs. Face entries count every face id the result "
+         "lists, earlier runs' faces included; a face listed twice counts twice.</p>\n";
   if (data.quality) {
     out << "<h2>Quality against the known identities</h2>\n" << qualityTable(*data.quality);
   }
-  if (!data.batches.empty()) out << "<h2>Batches</h2>\n" << batchTable(data.batches);
+  out << "<h2>Clusters</h2>\n" << clusterTable(data);
+  if (!data.batches.empty()) {
+    out << "<h2>" << (data.rounds ? "Rounds" : "Batches") << "</h2>\n"
+        << batchTable(data.batches, data.rounds);
+  }
 
-  out << "<h2>Similarity matrix</h2>\n<p class=\"note\">Every pair of faces scored by the "
+  out << "<h2>Similarity matrix</h2>\n<p class=\"note\">Pairs of faces scored by the "
          "library's comparison (0 to 1023; unrelated faces score about 511, the same face 1023), "
-         "faces ordered by cluster, each cluster outlined in red with its id (point at a block for "
-         "its id and size), unclustered faces last.";
-  if (shown < view.facesWithFeatures) {
-    out << " Showing " << shown << " of " << view.facesWithFeatures
-        << " faces: every clustered face, and the unclustered faces thinned out evenly.";
+         "faces ordered by cluster, each cluster outlined with its id (point at a block for its id "
+         "and size), clusters worth a look outlined in red, unclustered faces last.";
+  if (shown < n) {
+    out << " The picture shows " << shown << " of the " << n
+        << " faces, evenly spaced along that order, one pixel each.";
   }
   out << "</p>\n<p>" << kHeatFloor << " or less <span class=\"legend\"></span> 1023</p>\n";
-  const RgbImage heat = heatMap(view.similarities, shown, view.order.blocks, scale);
+  const RgbImage heat = heatMap(data.view.similarities, shown, {}, scale);
   out << "<div class=\"heatwrap\">"
       << imageTag(heat, "heat", "similarity matrix of " + std::to_string(shown) + " faces")
-      << heatMapOverlay(view.order, scale, heat.width()) << "</div>\n";
-  out << closeMatchList(view);
+      << heatMapOverlay(data) << "</div>\n";
+  out << closeMatchList(data.figures.closeMatches);
+  out << pairList(data.figures);
 
   out << "<h2>Cluster sizes</h2>\n<p class=\"note\">Number of clusters with each number of "
          "faces; unclustered faces are not counted.</p>\n<p>"
       << sizeHistogramSvg(clustersOfSize) << "</p>\n";
-
-  out << "<h2>Clusters</h2>\n" << clusterTable(data);
   out << "</body>\n</html>\n";
   return out.str();
 }
@@ -324,8 +359,15 @@ void writeBatchReport(const std::string& path, ReportData data, EngineSession& s
                       const FeatureMatrix& features, const std::vector<int>& faceIds,
                       Progress& progress) {
   if (!data.quality) data.quality = data.batches.back().quality;
-  data.view =
-      buildSimilarityView(session, features, faceIds, data.clusters, kReportMaxFaces, progress);
+  const RowScore score = [&](int a, int b) { return session.compare(features.row(a), features.row(b)); };
+  progress.begin("report: comparing faces");
+  data.order = orderByCluster(data.clusters, faceIds);
+  data.view = sampleSimilarities(data.order, kPictureFaces, score);
+  data.figures = measureGallery(data.order, faceIds, data.identities,
+                                xvkfc::kMergeBestPairSimilarity, kPairsShown, score);
+  const size_t pictured = data.view.shown.size();
+  progress.end(std::to_string(data.figures.comparisons + pictured * (pictured + 1) / 2) +
+               " comparisons");
   writeReport(path, data);
 }
 

@@ -10,7 +10,11 @@
 
 #include "evaluation/quality.h"
 #include "tools/formats/cluster_json.h"
+#include "tools/formats/feature_file.h"
+#include "tools/report/cluster_doubts.h"
 #include "tools/report/similarity_view.h"
+#include "tools/run/engine_session.h"
+#include "tools/run/progress.h"
 #include "tools/run/run_summary.h"
 
 namespace tool {
@@ -21,9 +25,17 @@ struct ReportData {
   std::vector<ClusterRecord> clusters;         // the final clusters
   std::map<int, int> identities;               // face id -> identity; empty when unknown
   std::optional<evaluation::Quality> quality;  // final quality, when identities are known
-  std::vector<RunSummary> batches;
-  SimilarityView view;
+  std::vector<RunSummary> batches;              // one per batch, or per round of planned runs
+  bool rounds = false;                         // batches holds rounds of planned runs
+  ClusterOrder order;                          // every face with features, by cluster
+  SimilarityView view;                         // the sample the picture shows
+  GalleryFigures figures;                      // of `order`
 };
+
+// Faces the similarity picture shows at most: about one per pixel of the page.
+inline constexpr int kPictureFaces = 1000;
+// Pairs of unclustered faces listed at most.
+inline constexpr size_t kPairsShown = 200;
 
 // The page for `data`.
 std::string renderReport(const ReportData& data);
@@ -33,8 +45,8 @@ void writeReport(const std::string& path, const ReportData& data);
 
 // Writes the report of a run clustered batch after batch. `data` comes with
 // its title, input, clusters, identities and batches; the quality, unless
-// given, is the last batch's, and the heat map shows at most 600 rows of `features`
-// under `faceIds`, compared through `session`.
+// given, is the last batch's; every face of `features` (under `faceIds`) is
+// measured through `session`, and at most kPictureFaces of them pictured.
 // REQUIRES: !data.batches.empty().
 void writeBatchReport(const std::string& path, ReportData data, EngineSession& session,
                       const FeatureMatrix& features, const std::vector<int>& faceIds,

@@ -1,15 +1,17 @@
-// The faces and similarities that the report's heat map shows.
+// The faces of a report in cluster order, and the sample of them that the
+// similarity picture shows.
 #ifndef XVKFC_TOOLS_REPORT_SIMILARITY_VIEW_H_
 #define XVKFC_TOOLS_REPORT_SIMILARITY_VIEW_H_
 
+#include <functional>
 #include <vector>
 
 #include "tools/formats/cluster_json.h"
-#include "tools/formats/feature_file.h"
-#include "tools/run/engine_session.h"
-#include "tools/run/progress.h"
 
 namespace tool {
+
+// The library's similarity (0..1023) of two rows of the feature matrix.
+using RowScore = std::function<int(int rowA, int rowB)>;
 
 // Faces laid out by cluster: the members of each real cluster in turn (in
 // list order), then the unclustered faces, then faces that no cluster lists.
@@ -17,31 +19,24 @@ struct ClusterOrder {
   std::vector<int> rows;      // rows of the feature matrix, in display order
   std::vector<int> blocks;    // sizes of the consecutive real-cluster runs
   std::vector<int> blockIds;  // the cluster id of each block
+  std::vector<int> repRows;   // each block's representative face, or its first member
+  int clustered = 0;          // faces in blocks (the first rows)
 };
 
 // Lays out rows 0..faceIds.size()-1 by the clusters that list their face
-// ids. A face listed by two clusters is shown with the first. Every face of
-// a real cluster is kept, so that no cluster's figures are estimated; when
-// more than `maxFaces` rows would be shown, only the faces after the
-// clusters are thinned out, to every k-th (k the smallest step that leaves
-// at most maxFaces minus the clustered faces, and at least one).
-// REQUIRES: maxFaces > 0.
+// ids. A face listed by two clusters is shown with the first.
 ClusterOrder orderByCluster(const std::vector<ClusterRecord>& clusters,
-                            const std::vector<int>& faceIds, int maxFaces);
+                            const std::vector<int>& faceIds);
 
+// The similarity picture: at most maxShown faces, evenly spaced along the
+// order, every shown pair scored once (the diagonal too).
 struct SimilarityView {
-  ClusterOrder order;
-  std::vector<int> faceIds;       // face id of each shown face
-  std::vector<int> similarities;  // n x n itf_xvk_compareFeature scores, row-major
-  int facesWithFeatures = 0;      // faces before thinning out
+  std::vector<int> shown;         // positions in order.rows of the pictured faces, ascending
+  std::vector<int> similarities;  // shown.size()^2 scores, row-major
 };
 
-// Orders the faces by cluster and scores every shown pair with the
-// library's comparison (each unordered pair once; the diagonal too).
-SimilarityView buildSimilarityView(EngineSession& session, const FeatureMatrix& features,
-                                   const std::vector<int>& faceIds,
-                                   const std::vector<ClusterRecord>& clusters, int maxFaces,
-                                   Progress& progress);
+// REQUIRES: maxShown > 0.
+SimilarityView sampleSimilarities(const ClusterOrder& order, int maxShown, const RowScore& score);
 
 }  // namespace tool
 

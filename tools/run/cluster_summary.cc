@@ -11,6 +11,7 @@ ScopedQuality measureScoped(const std::vector<ClusterRecord>& clusters,
   ScopedQuality scoped;
   if (labels.identities.empty()) return scoped;
   scoped.gallery = labels.keyedByFaceId;
+  scoped.labels = static_cast<int>(labels.identities.size());
   std::vector<int> faces;
   if (scoped.gallery) {
     std::set<int> gallery;
@@ -49,8 +50,12 @@ std::string describeRun(int faces, const std::string& how, const RunSummary& las
   }
   if (quality.quality) {
     text += "quality over the " + std::to_string(quality.quality->faces) + " labelled faces of " +
-            (quality.gallery ? "the gallery" : "this file") + ": " + describe(*quality.quality) +
-            "\n";
+            (quality.gallery ? "the gallery" : "this file");
+    if (quality.quality->faces < quality.labels) {
+      text += " (" + std::to_string(quality.quality->faces) + " of the " +
+              std::to_string(quality.labels) + " labels match a face)";
+    }
+    text += ": " + describe(*quality.quality) + "\n";
   }
   return text;
 }

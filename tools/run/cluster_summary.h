@@ -18,6 +18,7 @@ namespace tool {
 struct ScopedQuality {
   std::optional<evaluation::Quality> quality;  // empty without labels
   bool gallery = false;  // measured over the whole gallery, not only this file
+  int labels = 0;        // face ids the labels file names
 };
 
 // Quality of `clusters` against `labels`. Labels keyed by face id measure
@@ -31,6 +32,9 @@ ScopedQuality measureScoped(const std::vector<ClusterRecord>& clusters,
 //   250 new faces clustered in 1 batch; the gallery (old.json and these)
 //   now holds 2000 faces: 19 clusters, 1892 unclustered faces
 //   quality over the 2000 labelled faces of the gallery: pairwise P ...
+// When some labels name no face, the quality line says how many matched:
+//   quality over the 80 labelled faces of this file (80 of the 100 labels
+//   match a face): ...
 std::string describeRun(int faces, const std::string& how, const RunSummary& last,
                         const std::vector<ClusterRecord>& clusters, bool intoExisting,
                         const ScopedQuality& quality);

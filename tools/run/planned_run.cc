@@ -26,6 +26,9 @@ std::vector<ClusterRecord> clusterPlanned(EngineSession& session, const FeatureM
   auto roundStart = std::chrono::steady_clock::now();
   auto observe = [&](const PlannedRunInfo& info) {
     round.facesLoaded += info.faceCount;
+    progress.note("round " + std::to_string(info.round) + ", run " + std::to_string(info.run) +
+                  " of " + std::to_string(info.runsInRound) + ": " +
+                  std::to_string(info.faceCount) + (info.faceCount == 1 ? " face" : " faces"));
     for (int k = 0; k < info.faceCount && info.round == 1; ++k) {
       const auto it = options.identities.find(info.faceIds[k]);
       if (it == options.identities.end()) continue;
@@ -46,15 +49,14 @@ std::vector<ClusterRecord> clusterPlanned(EngineSession& session, const FeatureM
     roundStart = now;
   };
 
-  progress.begin("clustering " + std::to_string(features.rows()) +
-                 " faces in planned runs of up to " + std::to_string(runSize));
+  progress.note("clustering " + std::to_string(features.rows()) +
+                " faces in planned runs of up to " + std::to_string(runSize));
   itf_xvk_clusterinfo result{0, nullptr};
   PlannedClusteringStats stats;
   const int count =
       ::clusterInPlannedRuns(session.handle(), features.values.data(), faceIds.data(),
                              features.rows(), existing.empty() ? nullptr : existingList.get(),
                              runSize, maxRounds, &result, &stats, observe);
-  progress.end();
   if (count < 0) {
     throw ToolError(
         "the library could not cluster the faces in planned runs (run with "
