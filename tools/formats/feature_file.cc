@@ -63,7 +63,10 @@ std::string narrowDoubles(const std::string& data, const std::string& source) {
 }  // namespace
 
 FeatureMatrix readFeatures(const std::string& path) {
-  const std::string bytes = readWholeFile(path);
+  return parseFeatures(readWholeFile(path), path);
+}
+
+FeatureMatrix parseFeatures(const std::string& bytes, const std::string& path) {
   if (hasSuffix(path, ".npy")) {
     const NpyArray array = parseNpy(bytes, path);
     if (array.descr != "<f4" && array.descr != "<f8") {

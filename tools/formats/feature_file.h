@@ -39,6 +39,9 @@ struct FeatureMatrix {
 // or holds a value that is not finite.
 FeatureMatrix readFeatures(const std::string& path);
 
+// The same for `bytes`, the content of a file named `path`.
+FeatureMatrix parseFeatures(const std::string& bytes, const std::string& path);
+
 // The file bytes of `features` in the layout that `path` names.
 std::string encodeFeatures(const std::string& path, const FeatureMatrix& features);
 

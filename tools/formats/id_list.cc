@@ -13,7 +13,11 @@
 namespace tool {
 
 std::vector<int> readIntList(const std::string& path, const std::string& what, bool allowPairs) {
-  const std::string bytes = readWholeFile(path);
+  return parseIntList(readWholeFile(path), path, what, allowPairs);
+}
+
+std::vector<int> parseIntList(const std::string& bytes, const std::string& path,
+                              const std::string& what, bool allowPairs) {
   std::vector<int64_t> wide;
   if (hasSuffix(path, ".npy")) {
     const NpyArray array = parseNpy(bytes, path);
@@ -50,7 +54,9 @@ std::vector<int> readIntList(const std::string& path, const std::string& what, b
         used = 0;
       }
       if (used != word.size()) {
-        throw ToolError(path + ": '" + word + "' is not an integer (" + what + " entry " +
+        // A binary file may be one long word: quote only its start.
+        const std::string quoted = word.size() > 40 ? word.substr(0, 40) + "..." : word;
+        throw ToolError(path + ": '" + quoted + "' is not an integer (" + what + " entry " +
                         std::to_string(wide.size()) + ")");
       }
       wide.push_back(value);
@@ -73,7 +79,11 @@ std::vector<int> readFaceIds(const std::string& path, int rows) {
     for (int i = 0; i < rows; ++i) ids.push_back(i);
     return ids;
   }
-  ids = readIntList(path, "face ids");
+  return parseFaceIds(readWholeFile(path), path, rows);
+}
+
+std::vector<int> parseFaceIds(const std::string& bytes, const std::string& path, int rows) {
+  const std::vector<int> ids = parseIntList(bytes, path, "face ids");
   if (ids.size() != static_cast<size_t>(rows)) {
     throw ToolError(path + ": holds " + std::to_string(ids.size()) + " face ids for " +
                     std::to_string(rows) + " features");

@@ -18,10 +18,17 @@ namespace tool {
 std::vector<int> readIntList(const std::string& path, const std::string& what,
                              bool allowPairs = false);
 
+// The same for `bytes`, the content of a file named `path`.
+std::vector<int> parseIntList(const std::string& bytes, const std::string& path,
+                              const std::string& what, bool allowPairs = false);
+
 // Face ids for `rows` features: the list in `path`, or 0..rows-1 when `path`
 // is empty. Throws ToolError when the list does not have `rows` entries or
 // names a face twice.
 std::vector<int> readFaceIds(const std::string& path, int rows);
+
+// The same for `bytes`, the content of the file `path` (not empty).
+std::vector<int> parseFaceIds(const std::string& bytes, const std::string& path, int rows);
 
 }  // namespace tool
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <limits>
 #include <memory>
 
@@ -27,17 +28,72 @@ unsigned char toByte(double value) {
   return static_cast<unsigned char>(std::clamp(std::lround(value), 0L, 255L));
 }
 
+// True unless a JPEG's huffman table segment (DHT) declares more than 256
+// codes in one table. The decoder built here (stb_image 2.27, as Debian
+// ships it) copies them into 257-byte arrays without checking: a crafted
+// file writes past them. Walks the markers as the decoder does: a segment
+// is skipped by its length, entropy-coded data byte by byte up to the next
+// marker; bytes past the end read as 0, as the decoder reads them.
+bool jpegHuffmanTablesFit(const std::string& bytes) {
+  const auto at = [&](size_t i) -> unsigned {
+    return i < bytes.size() ? static_cast<unsigned char>(bytes[i]) : 0u;
+  };
+  // The decoder tries PNG first and takes anything else as a JPEG, with
+  // fill bytes before its start marker; what is neither fails there.
+  if (bytes.compare(0, 8, "\x89PNG\r\n\x1a\n") == 0) return true;
+  size_t pos = 0;
+  while (pos + 1 < bytes.size()) {
+    const unsigned marker = at(pos + 1);
+    if (at(pos) != 0xff || marker == 0xff) {
+      ++pos;  // entropy-coded data, or fill before a marker
+      continue;
+    }
+    if (marker == 0xd9) break;  // end of image
+    // Byte stuffing, restart markers and others without a length.
+    if (marker == 0x00 || marker == 0x01 || (marker >= 0xd0 && marker <= 0xd8)) {
+      pos += 2;
+      continue;
+    }
+    const size_t length = at(pos + 2) << 8 | at(pos + 3);
+    if (marker == 0xc4) {
+      // Tables of 1 class/id byte, 16 counts, then the codes' values.
+      long remaining = static_cast<long>(length) - 2;
+      size_t table = pos + 4;
+      while (remaining > 0) {
+        unsigned codes = 0;
+        for (size_t i = 1; i <= 16; ++i) codes += at(table + i);
+        if (codes > 256) return false;
+        remaining -= 17 + static_cast<long>(codes);
+        table += 17 + codes;
+      }
+    }
+    pos += 2 + length;
+  }
+  return true;
+}
+
 }  // namespace
 
 bool isCompressedImageName(const std::string& path) {
   return hasSuffix(path, ".png") || hasSuffix(path, ".jpg") || hasSuffix(path, ".jpeg");
 }
 
-YuvImage decodeToYuv420(const std::string& bytes, const std::string& source) {
+YuvImage decodeToYuv420(const std::string& bytes, const std::string& source, size_t maxPixels) {
   if (bytes.size() > static_cast<size_t>(std::numeric_limits<int>::max())) {
     throw ToolError(source + ": image file too large");
   }
+  if (!jpegHuffmanTablesFit(bytes)) {
+    throw ToolError(source + ": not a readable PNG or JPEG image (a huffman table of more than "
+                    "256 codes)");
+  }
   int width = 0, height = 0, channels = 0;
+  if (stbi_info_from_memory(reinterpret_cast<const unsigned char*>(bytes.data()),
+                            static_cast<int>(bytes.size()), &width, &height, &channels) &&
+      static_cast<uint64_t>(width) * static_cast<uint64_t>(height) > maxPixels) {
+    throw ToolError(source + ": the image is " + std::to_string(width) + "x" +
+                    std::to_string(height) + ", more than the " + std::to_string(maxPixels) +
+                    " pixels an image may have");
+  }
   unsigned char* rgb =
       stbi_load_from_memory(reinterpret_cast<const unsigned char*>(bytes.data()),
                             static_cast<int>(bytes.size()), &width, &height, &channels, 3);

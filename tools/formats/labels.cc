@@ -47,14 +47,18 @@ std::map<int, int> identityOfFaces(const std::vector<int>& faceIds, const std::v
 }
 
 Labels readLabels(const std::string& path, const std::vector<int>& faceIds) {
-  const std::string bytes = readWholeFile(path);
+  return parseLabels(readWholeFile(path), path, faceIds);
+}
+
+Labels parseLabels(const std::string& bytes, const std::string& path,
+                   const std::vector<int>& faceIds) {
   Labels labels;
   if (!(hasSuffix(path, ".npy") ? isPairNpy(path, bytes) : isPairText(bytes))) {
-    labels.identities = identityOfFaces(faceIds, readIntList(path, "labels"), path.c_str());
+    labels.identities = identityOfFaces(faceIds, parseIntList(bytes, path, "labels"), path.c_str());
     return labels;
   }
   labels.keyedByFaceId = true;
-  const std::vector<int> values = readIntList(path, "labels", /*allowPairs=*/true);
+  const std::vector<int> values = parseIntList(bytes, path, "labels", /*allowPairs=*/true);
   for (size_t i = 0; i + 1 < values.size(); i += 2) {
     if (!labels.identities.emplace(values[i], values[i + 1]).second) {
       throw ToolError(path + ": face id " + std::to_string(values[i]) + " is labelled twice");

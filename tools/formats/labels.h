@@ -31,6 +31,10 @@ Labels readLabels(const std::string& path, const std::vector<int>& faceIds);
 std::map<int, int> identityOfFaces(const std::vector<int>& faceIds, const std::vector<int>& labels,
                                    const char* source);
 
+// The same for `bytes`, the content of a file named `path`.
+Labels parseLabels(const std::string& bytes, const std::string& path,
+                   const std::vector<int>& faceIds);
+
 }  // namespace tool
 
 #endif  // XVKFC_TOOLS_FORMATS_LABELS_H_
