@@ -24,6 +24,8 @@ namespace {
 constexpr double kBlueFromU = 1.732446;
 constexpr double kRedFromV = 1.370705;
 
+const char kPngSignature[] = "\x89PNG\r\n\x1a\n";
+
 unsigned char toByte(double value) {
   return static_cast<unsigned char>(std::clamp(std::lround(value), 0L, 255L));
 }
@@ -40,7 +42,7 @@ bool jpegHuffmanTablesFit(const std::string& bytes) {
   };
   // The decoder tries PNG first and takes anything else as a JPEG, with
   // fill bytes before its start marker; what is neither fails there.
-  if (bytes.compare(0, 8, "\x89PNG\r\n\x1a\n") == 0) return true;
+  if (bytes.compare(0, 8, kPngSignature) == 0) return true;
   size_t pos = 0;
   while (pos + 1 < bytes.size()) {
     const unsigned marker = at(pos + 1);
@@ -72,6 +74,23 @@ bool jpegHuffmanTablesFit(const std::string& bytes) {
   return true;
 }
 
+// True unless a PNG chunk claims more bytes than the file has left. The
+// decoder allocates an IDAT chunk's claimed length before reading it: 60
+// bytes of a file could make it take 2 GiB.
+bool pngChunksFit(const std::string& bytes) {
+  if (bytes.compare(0, 8, kPngSignature) != 0) return true;
+  size_t pos = 8;
+  while (bytes.size() - pos >= 8) {
+    uint32_t length = 0;
+    for (size_t i = 0; i < 4; ++i)
+      length = length << 8 | static_cast<unsigned char>(bytes[pos + i]);
+    if (length > bytes.size() - pos - 8) return false;  // data, and a CRC the decoder skips
+    if (bytes.compare(pos + 4, 4, "IEND") == 0) break;
+    pos += 8 + static_cast<size_t>(length) + std::min<size_t>(4, bytes.size() - pos - 8 - length);
+  }
+  return true;
+}
+
 }  // namespace
 
 bool isCompressedImageName(const std::string& path) {
@@ -82,8 +101,12 @@ YuvImage decodeToYuv420(const std::string& bytes, const std::string& source, siz
   if (bytes.size() > static_cast<size_t>(std::numeric_limits<int>::max())) {
     throw ToolError(source + ": image file too large");
   }
+  if (!pngChunksFit(bytes)) {
+    throw ToolError(source + ": not a readable PNG or JPEG image (a chunk longer than the file)");
+  }
   if (!jpegHuffmanTablesFit(bytes)) {
-    throw ToolError(source + ": not a readable PNG or JPEG image (a huffman table of more than "
+    throw ToolError(source +
+                    ": not a readable PNG or JPEG image (a huffman table of more than "
                     "256 codes)");
   }
   int width = 0, height = 0, channels = 0;
