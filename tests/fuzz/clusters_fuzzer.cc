@@ -21,8 +21,8 @@ bool same(const tool::ClusterRecord& a, const tool::ClusterRecord& b) {
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   std::vector<tool::ClusterRecord> clusters;
   try {
-    clusters = tool::clustersFromJson(std::string(reinterpret_cast<const char*>(data), size),
-                                      "c.json");
+    clusters =
+        tool::clustersFromJson(std::string(reinterpret_cast<const char*>(data), size), "c.json");
   } catch (const tool::ToolError&) {
     return 0;
   }

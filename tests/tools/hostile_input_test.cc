@@ -158,6 +158,12 @@ TEST_F(HostileInputTest, ClustersWithoutRepresentativeSurviveTheClustersFile) {
   EXPECT_GE(kept->id, 0);
   EXPECT_EQ(kept->repFaceId, 100);
   EXPECT_TRUE(kept->feature.empty());
+  // recommend leaves it out: the library answers -1 for a list holding one.
+  const ProcessResult fit =
+      runProgram({"recommend", features, "--ids", ids, "--clusters", Path("out.json")});
+  EXPECT_EQ(fit.exitCode, 0) << fit.err;
+  EXPECT_NE(fit.out.find("\t1023\n"), std::string::npos) << fit.out;
+  EXPECT_EQ(fit.out.find("\t-1\t1023\n"), std::string::npos) << fit.out;
 }
 
 // Bytes of a binary file quoted in a message are escaped, so that the

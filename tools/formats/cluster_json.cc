@@ -100,7 +100,8 @@ void checkFormat(const json& document, const std::string& source) {
   if (!document.is_object()) return;  // reported as a missing "clusters" array
   const auto format = document.find("format");
   if (format != document.end() && *format != kFormat) {
-    throw ToolError(source + ": not a clusters file (format " + format->dump(-1, ' ', false, json::error_handler_t::replace) + ", expected \"" +
+    throw ToolError(source + ": not a clusters file (format " +
+                    format->dump(-1, ' ', false, json::error_handler_t::replace) + ", expected \"" +
                     kFormat + "\")");
   }
   const auto version = document.find("version");
@@ -148,6 +149,8 @@ std::vector<ClusterRecord> clustersFromJson(const std::string& text, const std::
     document = json::parse(text);
   } catch (const json::parse_error& e) {
     throw ToolError(source + ": malformed JSON (byte " + std::to_string(e.byte) + ")");
+  } catch (const json::exception&) {  // a number past double, 1E99999: out_of_range
+    throw ToolError(source + ": malformed JSON (a number out of range)");
   }
   checkFormat(document, source);
   if (!document.contains("clusters") || !document["clusters"].is_array()) {

@@ -74,20 +74,30 @@ bool jpegHuffmanTablesFit(const std::string& bytes) {
   return true;
 }
 
-// True unless a PNG chunk claims more bytes than the file has left. The
-// decoder allocates an IDAT chunk's claimed length before reading it: 60
-// bytes of a file could make it take 2 GiB.
-bool pngChunksFit(const std::string& bytes) {
+// Checks the chunks of a PNG before the decoder sees them. False when a
+// chunk claims more bytes than the file has left: the decoder allocates an
+// IDAT chunk's claimed length before reading it, so 60 bytes of a file could
+// make it take 2 GiB. Empty IDAT chunks are left out of `decoded` (which
+// stays empty when there are none): before the first data the decoder
+// copies 0 bytes to a null buffer, which is undefined behaviour.
+bool checkPngChunks(const std::string& bytes, std::string& decoded) {
   if (bytes.compare(0, 8, kPngSignature) != 0) return true;
-  size_t pos = 8;
+  size_t pos = 8, kept = 0;  // bytes before `kept` are in `decoded` or still to copy
   while (bytes.size() - pos >= 8) {
     uint32_t length = 0;
     for (size_t i = 0; i < 4; ++i)
       length = length << 8 | static_cast<unsigned char>(bytes[pos + i]);
     if (length > bytes.size() - pos - 8) return false;  // data, and a CRC the decoder skips
     if (bytes.compare(pos + 4, 4, "IEND") == 0) break;
-    pos += 8 + static_cast<size_t>(length) + std::min<size_t>(4, bytes.size() - pos - 8 - length);
+    const size_t next = pos + 8 + static_cast<size_t>(length) +
+                        std::min<size_t>(4, bytes.size() - pos - 8 - length);
+    if (length == 0 && bytes.compare(pos + 4, 4, "IDAT") == 0) {
+      decoded.append(bytes, kept, pos - kept);
+      kept = next;
+    }
+    pos = next;
   }
+  if (kept != 0) decoded.append(bytes, kept, std::string::npos);
   return true;
 }
 
@@ -101,25 +111,27 @@ YuvImage decodeToYuv420(const std::string& bytes, const std::string& source, siz
   if (bytes.size() > static_cast<size_t>(std::numeric_limits<int>::max())) {
     throw ToolError(source + ": image file too large");
   }
-  if (!pngChunksFit(bytes)) {
+  std::string withoutEmptyData;
+  if (!checkPngChunks(bytes, withoutEmptyData)) {
     throw ToolError(source + ": not a readable PNG or JPEG image (a chunk longer than the file)");
   }
+  const std::string& input = withoutEmptyData.empty() ? bytes : withoutEmptyData;
   if (!jpegHuffmanTablesFit(bytes)) {
     throw ToolError(source +
                     ": not a readable PNG or JPEG image (a huffman table of more than "
                     "256 codes)");
   }
   int width = 0, height = 0, channels = 0;
-  if (stbi_info_from_memory(reinterpret_cast<const unsigned char*>(bytes.data()),
-                            static_cast<int>(bytes.size()), &width, &height, &channels) &&
+  if (stbi_info_from_memory(reinterpret_cast<const unsigned char*>(input.data()),
+                            static_cast<int>(input.size()), &width, &height, &channels) &&
       static_cast<uint64_t>(width) * static_cast<uint64_t>(height) > maxPixels) {
     throw ToolError(source + ": the image is " + std::to_string(width) + "x" +
                     std::to_string(height) + ", more than the " + std::to_string(maxPixels) +
                     " pixels an image may have");
   }
   unsigned char* rgb =
-      stbi_load_from_memory(reinterpret_cast<const unsigned char*>(bytes.data()),
-                            static_cast<int>(bytes.size()), &width, &height, &channels, 3);
+      stbi_load_from_memory(reinterpret_cast<const unsigned char*>(input.data()),
+                            static_cast<int>(input.size()), &width, &height, &channels, 3);
   if (rgb == nullptr) {
     throw ToolError(source + ": not a readable PNG or JPEG image (" + stbi_failure_reason() + ")");
   }
