@@ -30,19 +30,24 @@ unsigned char toByte(double value) {
   return static_cast<unsigned char>(std::clamp(std::lround(value), 0L, 255L));
 }
 
-// True unless a JPEG's huffman table segment (DHT) declares more than 256
-// codes in one table. The decoder built here (stb_image 2.27, as Debian
-// ships it) copies them into 257-byte arrays without checking: a crafted
-// file writes past them. Walks the markers as the decoder does: a segment
-// is skipped by its length, entropy-coded data byte by byte up to the next
-// marker; bytes past the end read as 0, as the decoder reads them.
-bool jpegHuffmanTablesFit(const std::string& bytes) {
+// Why the decoder built here (stb_image 2.27, as Debian ships it) must not
+// see a JPEG, or null. It copies a huffman table (DHT) of more than 256
+// codes into 257-byte arrays without checking, and decodes a scan with a
+// huffman or quantization table that no segment defined from memory it
+// never set: a crafted file writes past the arrays, or reads garbage as
+// table offsets (an index of -494 into 256 entries). Walks the markers as
+// the decoder does: a segment is skipped by its length, entropy-coded data
+// byte by byte up to the next marker; bytes past the end read as 0, as the
+// decoder reads them.
+const char* jpegProblem(const std::string& bytes) {
   const auto at = [&](size_t i) -> unsigned {
     return i < bytes.size() ? static_cast<unsigned char>(bytes[i]) : 0u;
   };
   // The decoder tries PNG first and takes anything else as a JPEG, with
   // fill bytes before its start marker; what is neither fails there.
-  if (bytes.compare(0, 8, kPngSignature) == 0) return true;
+  if (bytes.compare(0, 8, kPngSignature) == 0) return nullptr;
+  bool huffman[2][16] = {}, quantization[16] = {}, progressive = false;
+  unsigned quantOf[256] = {};  // component id -> its quantization table (from SOF)
   size_t pos = 0;
   while (pos + 1 < bytes.size()) {
     const unsigned marker = at(pos + 1);
@@ -56,22 +61,38 @@ bool jpegHuffmanTablesFit(const std::string& bytes) {
       pos += 2;
       continue;
     }
-    const size_t length = at(pos + 2) << 8 | at(pos + 3);
-    if (marker == 0xc4) {
-      // Tables of 1 class/id byte, 16 counts, then the codes' values.
-      long remaining = static_cast<long>(length) - 2;
-      size_t table = pos + 4;
-      while (remaining > 0) {
+    const size_t length = at(pos + 2) << 8 | at(pos + 3), body = pos + 4;
+    const long end = static_cast<long>(length) - 2;  // body bytes
+    if (marker == 0xc4) {  // tables of a class/id byte, 16 counts, the values
+      for (long t = 0; t < end;) {
         unsigned codes = 0;
-        for (size_t i = 1; i <= 16; ++i) codes += at(table + i);
-        if (codes > 256) return false;
-        remaining -= 17 + static_cast<long>(codes);
-        table += 17 + codes;
+        for (size_t i = 1; i <= 16; ++i) codes += at(body + t + i);
+        if (codes > 256) return "a huffman table of more than 256 codes";
+        huffman[(at(body + t) >> 4) & 1][at(body + t) & 15] = true;
+        t += 17 + static_cast<long>(codes);
+      }
+    } else if (marker == 0xdb) {  // tables of a precision/id byte, 64 values
+      for (long t = 0; t < end; t += 1 + 64 * ((at(body + t) >> 4) ? 2 : 1)) {
+        quantization[at(body + t) & 15] = true;
+      }
+    } else if (marker >= 0xc0 && marker <= 0xc2) {  // frame: id, sampling, table
+      progressive = marker == 0xc2;
+      for (unsigned c = 0; c < at(body + 5); ++c)
+        quantOf[at(body + 6 + 3 * c)] = at(body + 8 + 3 * c);
+    } else if (marker == 0xda) {  // scan: id and tables per component, then Ss
+      const unsigned count = at(body), start = at(body + 1 + 2 * count);
+      for (unsigned c = 0; c < count; ++c) {
+        const unsigned tables = at(body + 2 + 2 * c);
+        const bool dc = !progressive || start == 0, ac = !progressive || start != 0;
+        if ((dc && !huffman[0][tables >> 4]) || (ac && !huffman[1][tables & 15]) ||
+            !quantization[quantOf[at(body + 1 + 2 * c)] & 15]) {
+          return "a scan that uses a table no segment defined";
+        }
       }
     }
     pos += 2 + length;
   }
-  return true;
+  return nullptr;
 }
 
 // Checks the chunks of a PNG before the decoder sees them. False when a
@@ -116,10 +137,8 @@ YuvImage decodeToYuv420(const std::string& bytes, const std::string& source, siz
     throw ToolError(source + ": not a readable PNG or JPEG image (a chunk longer than the file)");
   }
   const std::string& input = withoutEmptyData.empty() ? bytes : withoutEmptyData;
-  if (!jpegHuffmanTablesFit(bytes)) {
-    throw ToolError(source +
-                    ": not a readable PNG or JPEG image (a huffman table of more than "
-                    "256 codes)");
+  if (const char* problem = jpegProblem(bytes)) {
+    throw ToolError(source + ": not a readable PNG or JPEG image (" + problem + ")");
   }
   int width = 0, height = 0, channels = 0;
   if (stbi_info_from_memory(reinterpret_cast<const unsigned char*>(input.data()),
