@@ -5,6 +5,7 @@
 
 #include "tools/commands/commands.h"
 #include "tools/run/library_log.h"
+#include "tools/printable_text.h"
 #include "tools/tool_error.h"
 #include "tools/version.h"
 
@@ -36,7 +37,9 @@ int main(int argc, char** argv) {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& e) {
     if (e.get_exit_code() == 0) return app.exit(e);  // --help, --version
-    std::fprintf(stderr, "xvkfc: error: %s\nRun with --help for more information.\n", e.what());
+    // The parser quotes the argument it refuses, which may hold any byte.
+    std::fprintf(stderr, "xvkfc: error: %s\nRun with --help for more information.\n",
+                 tool::printableText(e.what()).c_str());
     return tool::kExitUsage;
   }
   tool::routeLibraryLog(global.verbose);
@@ -48,7 +51,7 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "xvkfc: error: %s\nRun with --help for more information.\n", e.what());
     return tool::kExitUsage;
   } catch (const std::exception& e) {  // ToolError and the library's own failures
-    std::fprintf(stderr, "xvkfc: error: %s\n", e.what());
+    std::fprintf(stderr, "xvkfc: error: %s\n", tool::printableText(e.what()).c_str());
     return tool::kExitBadInput;
   }
   return tool::kExitUsage;
