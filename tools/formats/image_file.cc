@@ -9,10 +9,7 @@
 #include "tools/formats/atomic_file.h"
 #include "tools/tool_error.h"
 
-#define STB_IMAGE_IMPLEMENTATION
-#define STB_IMAGE_STATIC
-#define STBI_ONLY_PNG
-#define STBI_ONLY_JPEG
+// The decoder itself is compiled in stb_image_decoder.cc.
 #define STBI_NO_STDIO
 #include <stb_image.h>
 
