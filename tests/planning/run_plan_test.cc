@@ -110,8 +110,11 @@ TEST_F(RunPlanTest, PlanDependsOnTheFeaturesNotTheirOrder) {
   }
   const std::vector<int> runOf = RunOfTags(permutedTags, permuted, 4);
   // Of the two bit-identical faces either may come first.
-  for (int i = 0; i < faces; ++i)
-    if (permutation[i] != 3 && permutation[i] != 4) EXPECT_EQ(runOf[i], expected[i]) << i;
+  for (int i = 0; i < faces; ++i) {
+    if (permutation[i] != 3 && permutation[i] != 4) {
+      EXPECT_EQ(runOf[i], expected[i]) << i;
+    }
+  }
 }
 
 TEST_F(RunPlanTest, BadInputFailsWithOneLineAndLeavesThePlan) {
