@@ -128,7 +128,8 @@ TEST_F(ProgramTest, CommandLineMistakesAreUsageErrors) {
       {{"cluster", features, "-o", "-", "--report", "-"}, "standard output (-): named as two"},
       {{"extract", features, "--size", "1x1", "--face", "0,0,1,1", "-o", "-"}, "binary"},
       {{"demo", "-o", "-"}, "standard output holds the demo's summary"},
-      {{"clustr", features, "-o", Path("x")}, "unknown subcommand 'clustr'; did you mean 'cluster'?"},
+      {{"clustr", features, "-o", Path("x")},
+       "unknown subcommand 'clustr'; did you mean 'cluster'?"},
       {{"-q", "--models", ".", "dmeo"}, "did you mean 'demo'?"},
       {{"frobnicate"}, "(the subcommands are cluster, representative, recommend, compare, "},
   };
@@ -164,11 +165,10 @@ TEST_F(ProgramTest, EveryWayOfBatchingGivesTheClustersOfTheLibraryCalledDirectly
   EXPECT_TRUE(readWholeFile(Path("demo.json")) == direct);
   EXPECT_GE(readClusters(Path("demo.json")).back().id, 1) << "fewer than two clusters";
 
-  const ProcessResult cluster =
-      runProgram({"cluster", Path("g/features.npy"), "--ids", Path("g/face_ids.txt"), "--labels",
-                  Path("g/labels.txt"), "--in-order", "--batch-size", std::to_string(half), "-o",
-                  Path("cluster.json"), "--report", Path("report.html"), "--metrics-json",
-                  Path("file.json")});
+  const ProcessResult cluster = runProgram(
+      {"cluster", Path("g/features.npy"), "--ids", Path("g/face_ids.txt"), "--labels",
+       Path("g/labels.txt"), "--in-order", "--batch-size", std::to_string(half), "-o",
+       Path("cluster.json"), "--report", Path("report.html"), "--metrics-json", Path("file.json")});
   ASSERT_EQ(cluster.exitCode, 0) << cluster.err;
   const auto fileMetrics = nlohmann::json::parse(readWholeFile(Path("file.json")));
   EXPECT_EQ(fileMetrics["quality"]["scope"], "file");

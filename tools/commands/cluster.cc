@@ -44,10 +44,9 @@ void noteRunSize(const ClusterOptions& options, int faces) {
                  "give --batch-size N for runs of N faces in file order\n",
                  faces);
   }
-  const int largestRun =
-      std::min(faces, options.inOrder ? (options.batchSize > 0 ? options.batchSize : faces)
-                                      : (options.batchSize > 0 ? options.batchSize
-                                                               : kDefaultRunSize));
+  const int largestRun = std::min(
+      faces, options.inOrder ? (options.batchSize > 0 ? options.batchSize : faces)
+                             : (options.batchSize > 0 ? options.batchSize : kDefaultRunSize));
   if (largestRun > kLargestGoodRun) {
     std::fprintf(stderr,
                  "xvkfc: note: one run gets %d faces, more than the %d it clusters well: its "
@@ -119,8 +118,7 @@ int runCluster(const ClusterOptions& options, const GlobalOptions& global) {
       gallery.insert(cluster.faceIds.begin(), cluster.faceIds.end());
     if (std::none_of(gallery.begin(), gallery.end(),
                      [&](int face) { return labels.identities.count(face) > 0; })) {
-      throw ToolError(options.labels + ": none of its " +
-                      std::to_string(labels.identities.size()) +
+      throw ToolError(options.labels + ": none of its " + std::to_string(labels.identities.size()) +
                       " face ids is a face of this run or of --existing");
     }
   }
@@ -165,13 +163,12 @@ int runCluster(const ClusterOptions& options, const GlobalOptions& global) {
   const RunSummary& last = batches.back();
   const ScopedQuality quality = measureScoped(clusters, faceIds, labels);
   const std::string how =
-      planned ? std::to_string(plannedRuns) + (plannedRuns == 1 ? " planned run (" : " planned runs (") +
-                    std::to_string(batches.size()) +
-                    (batches.size() == 1 ? " round)" : " rounds)")
+      planned ? std::to_string(plannedRuns) +
+                    (plannedRuns == 1 ? " planned run (" : " planned runs (") +
+                    std::to_string(batches.size()) + (batches.size() == 1 ? " round)" : " rounds)")
               : std::to_string(batches.size()) + (batches.size() == 1 ? " batch" : " batches");
   std::fprintf(summary, "%s",
-               describeRun(features.rows(), how, last, clusters, !options.existing.empty(),
-                           quality)
+               describeRun(features.rows(), how, last, clusters, !options.existing.empty(), quality)
                    .c_str());
   if (!options.metrics.empty()) {
     std::set<int> gallery;
@@ -222,7 +219,8 @@ Command addClusterCommand(CLI::App& app, const GlobalOptions& global) {
                   "(N x 960 values)")
       ->type_name("FILE")
       ->required();
-  sub->add_option("-o,--output", options->output, "Clusters file to write (JSON; - for standard output)")
+  sub->add_option("-o,--output", options->output,
+                  "Clusters file to write (JSON; - for standard output)")
       ->type_name("FILE")
       ->required();
   sub->add_option("--ids", options->ids,

@@ -40,8 +40,7 @@ void writeFileAtomically(const std::string& path, const std::string& bytes) {
     // Flushed here, so that a closed pipe or a full device is this error.
     if (std::fwrite(bytes.data(), 1, bytes.size(), stdout) != bytes.size() ||
         std::fflush(stdout) != 0) {
-      throw ToolError(std::string("standard output: cannot write (") + std::strerror(errno) +
-                      ")");
+      throw ToolError(std::string("standard output: cannot write (") + std::strerror(errno) + ")");
     }
     return;
   }
