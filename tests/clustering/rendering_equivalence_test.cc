@@ -38,8 +38,11 @@ auto plainAndDispatched(F f) {
 }
 
 // A similarity: mostly near the thresholds the engine compares against, now
-// and then below 0 (a comparator score outside [-1, 1]).
-float similarity(Random& random, bool samePerson) {
+// and then below 0 (a comparator score outside [-1, 1]). Coarse: few distinct
+// values, so that sums, distances and row minima tie exactly.
+float similarity(Random& random, bool samePerson, bool coarse = false) {
+  static const float kLevels[] = {0.3f, 0.69f, 0.9f, 1.0f};
+  if (coarse) return kLevels[random.below(2) + (samePerson ? 2 : 0)];
   static const float kExact[] = {0.69f, 0.7f, 0.74f, 0.75f, 0.87f, 0.9f, 0.0f, 1.0f, -0.25f};
   const int kind = random.below(4);
   if (kind == 1) return samePerson ? 0.95f : 0.3f;
@@ -47,12 +50,6 @@ float similarity(Random& random, bool samePerson) {
   const float exact = kExact[random.below(9)];
   const int side = random.below(3);
   return side == 0 ? exact : std::nextafter(exact, side == 1 ? 0.0f : 2.0f);
-}
-
-// Few distinct values, so that sums, distances and row minima tie exactly.
-float coarseSimilarity(Random& random, bool samePerson) {
-  static const float kLevels[] = {0.3f, 0.69f, 0.9f, 1.0f};
-  return kLevels[random.below(2) + (samePerson ? 2 : 0)];
 }
 
 struct Case {
@@ -80,7 +77,7 @@ Case randomCase(uint64_t seed) {
       } else if (i == j) {
         c.kernel[i][i] = random.below(6) == 0 ? similarity(random, true) : 1.0f;
       } else {
-        c.kernel[i][j] = coarse ? coarseSimilarity(random, same) : similarity(random, same);
+        c.kernel[i][j] = similarity(random, same, coarse);
       }
       // Flat people: one value everywhere, so both 2-means centres tie.
       if (flat && same) c.kernel[i][j] = 0.5f;
