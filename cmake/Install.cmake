@@ -4,7 +4,7 @@
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
-set(_targets xvkfcEngineTAVO xvkfc_closed_headers)
+set(_targets xvkfcEngineTAVO)
 if(NOT ANDROID)
   list(APPEND _targets TAVO_FR TAVO_LD)
 endif()
@@ -14,16 +14,24 @@ install(TARGETS ${_targets}
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
   RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 
-# Installed headers sit under include/xvkfc and name each other from there
-# ("xvkfc/numeric/vec.h"), so that an application needs one include root,
+# Only the public headers are installed: the facade and the records it
+# exchanges, the helpers the library exports beside it, the planning
+# operations, and the export macro they use. Each includes only others of
+# this list (the ctest InstalledHeadersCompileAlone compiles each alone);
+# none needs the closed libraries' headers, which stay off an application's
+# include path. Installed headers sit under include/xvkfc and name each
+# other from there, so that an application needs one include root,
 # include/, and writes #include <xvkfc/interface/face_recognition.h>. The
 # copies are rewritten here from the sources, which name each other from
 # the source root.
-set(_public_headers platform/export.h platform/fast_paths.h)
-foreach(dir interface numeric clustering planning)
-  file(GLOB _found RELATIVE ${PROJECT_SOURCE_DIR} CONFIGURE_DEPENDS ${dir}/*.h)
-  list(APPEND _public_headers ${_found})
-endforeach()
+set(_public_headers
+  interface/face_recognition.h
+  interface/exchange_records.h
+  interface/handle_support.h
+  interface/yuv_convert.h
+  planning/run_plan.h
+  planning/planned_clustering.h
+  platform/export.h)
 foreach(header ${_public_headers})
   file(READ ${PROJECT_SOURCE_DIR}/${header} _text)
   string(REGEX REPLACE "#include \"(interface|numeric|clustering|planning|platform)/"
@@ -34,9 +42,6 @@ foreach(header ${_public_headers})
   install(FILES ${CMAKE_CURRENT_BINARY_DIR}/public_include/xvkfc/${header}
           DESTINATION include/xvkfc/${_folder})
 endforeach()
-if(NOT ANDROID)
-  install(DIRECTORY platform/tavo/ DESTINATION include/xvkfc/platform/tavo)
-endif()
 
 install(EXPORT xvkfcEngineTAVOTargets
   NAMESPACE xvkfc::

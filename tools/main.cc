@@ -1,9 +1,11 @@
 // xvkfc: clusters face features end to end through the library's public
 // interface, batch after batch, with quality measures and an HTML report.
 #include <cstdio>
+#include <string>
 #include <vector>
 
 #include "tools/commands/commands.h"
+#include "tools/commands/subcommand_typo.h"
 #include "tools/run/library_log.h"
 #include "tools/printable_text.h"
 #include "tools/tool_error.h"
@@ -38,8 +40,13 @@ int main(int argc, char** argv) {
   } catch (const CLI::ParseError& e) {
     if (e.get_exit_code() == 0) return app.exit(e);  // --help, --version
     // The parser quotes the argument it refuses, which may hold any byte.
+    std::vector<std::string> names;
+    for (const tool::Command& command : commands) names.push_back(command.subcommand->get_name());
+    const std::string typo = tool::unknownSubcommand({argv + 1, argv + argc}, names);
+    const std::string message =
+        typo.empty() ? e.what() : tool::describeUnknownSubcommand(typo, names);
     std::fprintf(stderr, "xvkfc: error: %s\nRun with --help for more information.\n",
-                 tool::printableText(e.what()).c_str());
+                 tool::printableText(message).c_str());
     return tool::kExitUsage;
   }
   tool::routeLibraryLog(global.verbose);

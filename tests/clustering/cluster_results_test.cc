@@ -1,9 +1,8 @@
-// Representatives (medoids) and recommendation.
+// Representatives (medoids).
 #include "support/ready_handle.h"
 
 namespace {
 
-using testing_support::scripted;
 using testing_support::taggedFeature;
 using testing_support::taggedFeatures;
 
@@ -52,15 +51,6 @@ TEST_F(ClusterResults, GivenFeaturesReplaceTheLoadedFaces) {
   Load({10, 11});
   EXPECT_EQ(engine().getClusterFeature(features.data(), 1), taggedFeature(12));
   EXPECT_TRUE(engine().faces.empty());  // one feature: returned, not loaded
-}
-
-TEST_F(ClusterResults, RecommendationKeepsOnlyScoresAbove920) {
-  for (const auto& [score, expected] : {std::pair{1.0f, 1023}, {0.81f, 925}, {0.8f, -1}}) {
-    scripted().fallback = [score = score](const float*, const float*) { return score; };
-    EXPECT_EQ(engine().recommendCluster(taggedFeature(7).data(), taggedFeature(8).data(), 3),
-              expected)
-        << score;
-  }
 }
 
 }  // namespace

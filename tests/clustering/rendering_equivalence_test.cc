@@ -7,7 +7,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstdint>
 #include <map>
 #include <string>
 #include <tuple>
@@ -15,6 +14,7 @@
 
 #include "clustering/face_clustering_system.h"
 #include "clustering/kernel_block.h"
+#include "evaluation/random.h"
 #include "numeric/kmeans.h"
 #include "platform/fast_paths.h"
 #include "support/log_capture.h"
@@ -23,22 +23,10 @@ namespace {
 
 using Kernel = std::vector<Vec<float>>;
 
-// xorshift64*: the same cases on every platform and standard library.
-class Random {
- public:
-  explicit Random(uint64_t seed) : state_(seed * 2654435761u + 1) {}
-  uint32_t next() {
-    state_ ^= state_ >> 12;
-    state_ ^= state_ << 25;
-    state_ ^= state_ >> 27;
-    return static_cast<uint32_t>((state_ * 2685821657736338717ull) >> 32);
-  }
-  int below(int n) { return static_cast<int>(next() % static_cast<uint32_t>(n)); }
-  float unit() { return static_cast<float>(next() >> 8) / static_cast<float>(1 << 24); }
+using evaluation::Random;
 
- private:
-  uint64_t state_;
-};
+// Uniform in [0, 1), 24 bits.
+float unit(Random& random) { return static_cast<float>(random() >> 8) / (1 << 24); }
 
 // f() with the plain renderings forced, then f() with the CPU's own.
 template <typename F>
@@ -50,26 +38,18 @@ auto plainAndDispatched(F f) {
 }
 
 // A similarity: mostly near the thresholds the engine compares against, now
-// and then below 0 (a comparator score outside [-1, 1]).
-float similarity(Random& random, bool samePerson) {
-  static const float kExact[] = {0.69f, 0.7f, 0.74f, 0.75f, 0.87f, 0.9f, 0.0f, 1.0f, -0.25f};
-  switch (random.below(4)) {
-    case 0: {
-      const float exact = kExact[random.below(9)];
-      const int side = random.below(3);
-      return side == 0 ? exact : std::nextafter(exact, side == 1 ? 0.0f : 2.0f);
-    }
-    case 1:
-      return samePerson ? 0.95f : 0.3f;
-    default:
-      return samePerson ? 0.6f + 0.4f * random.unit() : 0.8f * random.unit();
-  }
-}
-
-// Few distinct values, so that sums, distances and row minima tie exactly.
-float coarseSimilarity(Random& random, bool samePerson) {
+// and then below 0 (a comparator score outside [-1, 1]). Coarse: few distinct
+// values, so that sums, distances and row minima tie exactly.
+float similarity(Random& random, bool samePerson, bool coarse = false) {
   static const float kLevels[] = {0.3f, 0.69f, 0.9f, 1.0f};
-  return kLevels[random.below(2) + (samePerson ? 2 : 0)];
+  if (coarse) return kLevels[random.below(2) + (samePerson ? 2 : 0)];
+  static const float kExact[] = {0.69f, 0.7f, 0.74f, 0.75f, 0.87f, 0.9f, 0.0f, 1.0f, -0.25f};
+  const int kind = random.below(4);
+  if (kind == 1) return samePerson ? 0.95f : 0.3f;
+  if (kind > 1) return samePerson ? 0.6f + 0.4f * unit(random) : 0.8f * unit(random);
+  const float exact = kExact[random.below(9)];
+  const int side = random.below(3);
+  return side == 0 ? exact : std::nextafter(exact, side == 1 ? 0.0f : 2.0f);
 }
 
 struct Case {
@@ -97,7 +77,7 @@ Case randomCase(uint64_t seed) {
       } else if (i == j) {
         c.kernel[i][i] = random.below(6) == 0 ? similarity(random, true) : 1.0f;
       } else {
-        c.kernel[i][j] = coarse ? coarseSimilarity(random, same) : similarity(random, same);
+        c.kernel[i][j] = similarity(random, same, coarse);
       }
       // Flat people: one value everywhere, so both 2-means centres tie.
       if (flat && same) c.kernel[i][j] = 0.5f;
@@ -155,7 +135,7 @@ TEST(RenderingEquivalence, BlockSumsAndTwoMeansMatchThePlainLoops) {
     const int n = 1 + random.below(60);
     Kernel kernel(n, Vec<float>(n));
     for (Vec<float>& row : kernel) {
-      for (float& x : row) x = random.unit() * static_cast<float>(1 << random.below(20));
+      for (float& x : row) x = unit(random) * static_cast<float>(1 << random.below(20));
     }
     Vec<int> members, seeds;
     for (int i = 0; i < n; ++i) {

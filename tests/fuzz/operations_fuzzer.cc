@@ -7,7 +7,7 @@
 // odd sizes and rectangles, operations on a released handle.
 #include <fuzzer/FuzzedDataProvider.h>
 
-#include <cmath>
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <limits>
@@ -53,7 +53,9 @@ int fuzzedInt(FuzzedDataProvider& in) {
   }
 }
 
-// An application's cluster list and the arrays it points to.
+// An application's cluster list and the arrays it points to. faceIds holds
+// faceCount ids when faceCount is positive; a negative count or a null array
+// is the library's to reject.
 struct OwnedList {
   itf_xvk_clusterinfo list{0, nullptr};
   std::vector<itf_xvk_clusteritem> items;
@@ -68,19 +70,13 @@ struct OwnedList {
     for (int i = 0; i < elements; ++i) {
       itf_xvk_clusteritem& item = items[i];
       item.clusterId = fuzzedInt(in);
-      // faceIds holds faceCount ids when faceCount is positive; a negative
-      // count or a null array is the library's to reject.
       item.faceCount = in.ConsumeIntegralInRange(-1, 6);
-      ids[i].resize(item.faceCount > 0 ? item.faceCount : 0);
+      ids[i].resize(std::max(item.faceCount, 0));
       for (int& id : ids[i]) id = fuzzedInt(in);
       item.faceIds = in.ConsumeIntegralInRange(0, 9) == 0 ? nullptr : ids[i].data();
       item.featureDim = in.ConsumeBool() ? kDim : fuzzedInt(in);
-      if (in.ConsumeIntegralInRange(0, 5) > 0) {
-        features[i] = fuzzedFeature(in);
-        item.feature = features[i].data();
-      } else {
-        item.feature = nullptr;
-      }
+      if (in.ConsumeIntegralInRange(0, 5) > 0) features[i] = fuzzedFeature(in);
+      item.feature = features[i].empty() ? nullptr : features[i].data();
       item.repFaceId = fuzzedInt(in);
     }
     list.count = in.ConsumeIntegralInRange(0, 9) == 0 ? -in.ConsumeIntegralInRange(1, 3) : elements;
@@ -88,10 +84,10 @@ struct OwnedList {
   }
 };
 
+// An image of dataLength bytes at most, of fuzzed size and face rectangle.
 void extract(FaceRecognition& handle, FuzzedDataProvider& in) {
   const int width = in.ConsumeBool() ? in.ConsumeIntegralInRange(-1, 40) : fuzzedInt(in);
   const int height = in.ConsumeBool() ? in.ConsumeIntegralInRange(-1, 40) : fuzzedInt(in);
-  // dataLength is at most the bytes the image holds.
   std::vector<unsigned char> image = in.ConsumeBytes<unsigned char>(
       in.ConsumeIntegralInRange<size_t>(0, 40 * 40 * 3 / 2 + 8));
   const int dataLength = in.ConsumeIntegralInRange(

@@ -143,6 +143,19 @@ TEST_F(ClusteringCycle, RecommendationSkipsTheBucketAndKeepsTheEarlierTie) {
   itf_xvk_clusterinfo list = {4, items};
   EXPECT_EQ(handle.itf_xvk_recommendCluster(&list, query.data(), 99), 3);
   EXPECT_EQ(handle.itf_xvk_recommendCluster(&list, stranger.data(), 0), -1);
+  // Scores on 0..1023, kept above 920 only, clamped: 1.2 ties with 1.5.
+  testing_support::scripted().setScore(f20, query, 1.2f);
+  testing_support::scripted().setScore(f10, query, 1.5f);
+  EXPECT_EQ(handle.itf_xvk_recommendCluster(&list, query.data(), 0), 7);
+  EXPECT_EQ(testing_support::scripted().comparisons.back().first,  // the cluster's feature first
+            testing_support::featureKey(f11));
+  for (auto [score, expected] : {std::pair{0.81f, 7}, {0.8f, -1}}) {
+    testing_support::scripted().pairScores.clear();
+    testing_support::scripted().fallback = [score = score](const float*, const float*) {
+      return score;
+    };
+    EXPECT_EQ(handle.itf_xvk_recommendCluster(&list, query.data(), 0), expected) << score;
+  }
   items[3].featureDim = 959;
   EXPECT_EQ(handle.itf_xvk_recommendCluster(&list, query.data(), 0), -1);
   items[3].feature = nullptr;

@@ -99,11 +99,11 @@ TEST(NotReadyHandle, EveryOperationFailsWithOneLineAndTouchesNothing) {
   const int states[][4] = {{0, 0, 1, 1}, {1, 1, 1, 1}, {1, 0, -2, 1}, {1, 0, 1, 0}};
   for (const auto& state : states) {
     FaceRecognition handle;
-    if (state[0]) EXPECT_EQ(handle.itf_xvk_Init("/a"), 960);
+    if (state[0]) { EXPECT_EQ(handle.itf_xvk_Init("/a"), 960); }
     if (state[1]) handle.itf_xvk_Release();
     scripted().recognizerInitResult = state[2];
     scripted().landmarkInitResult = state[3];
-    if (state[2] < 1 || state[3] < 1) EXPECT_LT(handle.itf_xvk_Init("/b"), 1);
+    if (state[2] < 1 || state[3] < 1) { EXPECT_LT(handle.itf_xvk_Init("/b"), 1); }
     scripted().events.clear();
     // Every operation that needs the handle's objects, with the failure value
     // it must return. Features are real, so only the handle's state can make

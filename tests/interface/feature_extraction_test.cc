@@ -1,34 +1,29 @@
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <climits>
 #include <cmath>
 #include <string>
 #include <vector>
 
-#include "interface/face_recognition.h"
 #include "interface/yuv_convert.h"
 #include "support/log_capture.h"
-#include "support/scripted_closed_libs.h"
+#include "support/ready_handle.h"
 
 namespace {
 
 using testing_support::LogCapture;
 using testing_support::scripted;
 
-class FeatureExtraction : public testing::Test {
+class FeatureExtraction : public testing_support::ReadyHandle {
  protected:
   void SetUp() override {
-    ASSERT_EQ(handle.itf_xvk_Init("/models"), 960);
+    ReadyHandle::SetUp();
     scripted().landmarksToReport = points;
   }
-  void TearDown() override { handle.itf_xvk_Release(); }
   float* extract(int dataLength = 12, int width = 4, int height = 2) {
     return handle.itf_xvk_extractFeature(frame.data(), dataLength, width, height, roi, &record);
   }
   std::vector<float> buffer() const { return {handle.featureBuffer, handle.featureBuffer + 960}; }
 
-  FaceRecognition handle;
   std::vector<unsigned char> frame = {10, 20, 30, 40, 50, 60, 70, 80, 100, 160, 90, 200};  // 4 x 2
   itf_xvk_faceroi roi = {1, -2, 3, 40};
   float points[10] = {};

@@ -49,11 +49,10 @@ long countAllocations(const std::function<void()>& body) {
   return counted - before;
 }
 
-Suspended::Suspended() { ++suspendDepth; }
-Suspended::~Suspended() { --suspendDepth; }
-
-Resumed::Resumed() : savedDepth_(suspendDepth) { suspendDepth = 0; }
-Resumed::~Resumed() { suspendDepth = savedDepth_; }
+Scope::Scope(bool counted) : savedDepth_(suspendDepth) {
+  suspendDepth = counted ? 0 : suspendDepth + 1;
+}
+Scope::~Scope() { suspendDepth = savedDepth_; }
 
 }  // namespace alloc_failure
 

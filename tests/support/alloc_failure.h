@@ -31,28 +31,23 @@ long allocationsSoFar();
 // Runs `body` and returns how many allocations it made.
 long countAllocations(const std::function<void()>& body);
 
-// While one of these lives, allocations are neither counted nor failed: the
+// While a Suspended lives, allocations are neither counted nor failed: the
 // test doubles record their calls inside one, so only the engine's own
-// allocations are the injector's.
-class Suspended {
- public:
-  Suspended();
-  ~Suspended();
-  Suspended(const Suspended&) = delete;
-  Suspended& operator=(const Suspended&) = delete;
-};
-
-// Inside a Suspended scope, counts again while one of these lives: a test
+// allocations are the injector's. Inside it, a Resumed counts again: a test
 // suspends its own allocations and resumes around the calls it sweeps.
-class Resumed {
+class Scope {
  public:
-  Resumed();
-  ~Resumed();
-  Resumed(const Resumed&) = delete;
-  Resumed& operator=(const Resumed&) = delete;
+  explicit Scope(bool counted);
+  ~Scope();
 
  private:
   int savedDepth_;
+};
+struct Suspended : Scope {
+  Suspended() : Scope(false) {}
+};
+struct Resumed : Scope {
+  Resumed() : Scope(true) {}
 };
 
 }  // namespace alloc_failure

@@ -46,16 +46,13 @@ using Unrecorded = alloc_failure::Suspended;  // the doubles' own allocations
 
 namespace {
 
-void record(const std::string& event) {
+// A lifecycle event; Init adds its value and model path. The text is built
+// inside the scope too: it is the doubles' own.
+void record(const char* event, bool init = false, int value = 0, const char* path = nullptr) {
   Unrecorded scope;
-  scripted().events.push_back(event);
-}
-
-// The event text is built inside the scope too: it is the doubles' own.
-void recordInit(const char* library, int value, const char* modelPath) {
-  Unrecorded scope;
-  record(std::string(library) + " Init " + std::to_string(value) + " " +
-         (modelPath ? modelPath : "(null)"));
+  std::string text = event;
+  if (init) text += " " + std::to_string(value) + " " + (path ? path : "(null)");
+  scripted().events.push_back(text);
 }
 
 }  // namespace
@@ -64,7 +61,7 @@ CFRecogInterface::CFRecogInterface() : state_(nullptr) { record("FR ctor"); }
 CFRecogInterface::~CFRecogInterface() { record("FR dtor"); }
 
 int CFRecogInterface::Init(int featureDim, const char* modelPath) {
-  recordInit("FR", featureDim, modelPath);
+  record("FR Init", true, featureDim, modelPath);
   return scripted().recognizerInitResult;
 }
 
@@ -97,7 +94,7 @@ CLandmarkInterface::CLandmarkInterface() : state(nullptr), landmarks(nullptr) { 
 CLandmarkInterface::~CLandmarkInterface() { record("LD dtor"); }
 
 int CLandmarkInterface::Init(int mode, const char* modelPath) {
-  recordInit("LD", mode, modelPath);
+  record("LD Init", true, mode, modelPath);
   return scripted().landmarkInitResult;
 }
 

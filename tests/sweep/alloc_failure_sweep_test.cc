@@ -62,23 +62,17 @@ auto library(const char* name, Result failure, Call call) {
   return result;
 }
 
-std::string describe(const itf_xvk_clusterinfo& list) {
+// The list as text; its face ids are added to `ids` when given.
+std::string describe(const itf_xvk_clusterinfo& list, std::set<int>* ids = nullptr) {
   std::string text;
   for (int i = 0; i < list.count; ++i) {
     const itf_xvk_clusteritem& item = list.items[i];
     text += " [" + std::to_string(item.clusterId) + ":";
     for (int f = 0; f < item.faceCount; ++f) text += " " + std::to_string(item.faceIds[f]);
     text += " rep " + std::to_string(item.repFaceId) + "/" + std::to_string(item.featureDim) + "]";
+    if (ids) ids->insert(item.faceIds, item.faceIds + item.faceCount);
   }
   return text;
-}
-
-std::set<int> faceIdsOf(const itf_xvk_clusterinfo& list) {
-  std::set<int> ids;
-  for (int i = 0; i < list.count; ++i) {
-    ids.insert(list.items[i].faceIds, list.items[i].faceIds + list.items[i].faceCount);
-  }
-  return ids;
 }
 
 // Everything the application can see of a handle: the result and the queue
@@ -134,19 +128,19 @@ std::string applicationCycle() {
   for (int tag : {10, 11, 12, 20, 21, 30, 40}) load(taggedFeature(tag), tag);
 
   auto runAndRead = [&](itf_xvk_clusterinfo* list, itf_xvk_clusterinfo* result) {
-    const std::set<int> application = faceIdsOf(*list);
-    given.insert(application.begin(), application.end());
+    describe(*list, &given);
     const int status = unchangedOnFailure("itf_xvk_runClustering",
                                           [&] { return handle.itf_xvk_runClustering(list); });
     const int count = library("itf_xvk_getClusterInfo", 0,
                               [&] { return handle.itf_xvk_getClusterInfo(result); });
-    const std::set<int> reported = faceIdsOf(*result);
+    std::set<int> reported;
+    const std::string text = describe(*result, &reported);
     if (status) {
       EXPECT_TRUE(std::includes(reported.begin(), reported.end(), given.begin(), given.end()))
           << "allocation " << failing << ": a run lost faces";
       given.clear();
     }
-    outcome += " " + std::to_string(status) + " " + std::to_string(count) + describe(*result);
+    outcome += " " + std::to_string(status) + " " + std::to_string(count) + text;
   };
   std::vector<float> f14 = taggedFeature(14), f50 = taggedFeature(50);
   int ids1[] = {101, 102}, ids5[] = {105}, bucket[] = {900};

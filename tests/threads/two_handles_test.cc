@@ -1,33 +1,16 @@
 // Two handles used from two threads at the same time, built with
 // ThreadSanitizer: the library keeps no state shared between handles, so
 // there must be no report, and each thread gets what one thread alone gets.
-#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "evaluation/synthetic_gallery.h"
 #include "interface/face_recognition.h"
 
 namespace {
-
-// Faces of `people` people: a direction per person plus a little noise, from
-// a fixed linear congruential sequence.
-std::vector<std::vector<float>> faces(int people, int perPerson, unsigned seed) {
-  auto next = [&seed] { return (seed = seed * 1103515245u + 12345u) >> 8 & 0xffff; };
-  std::vector<std::vector<float>> out;
-  for (int p = 0; p < people; ++p) {
-    std::vector<float> direction(960);
-    for (float& v : direction) v = static_cast<float>(next()) / 32768.0f - 1.0f;
-    for (int f = 0; f < perPerson; ++f) {
-      std::vector<float> face = direction;
-      for (float& v : face) v += (static_cast<float>(next()) / 32768.0f - 1.0f) * 0.3f;
-      out.push_back(face);
-    }
-  }
-  return out;
-}
 
 // An application's cycle on its own handle: extraction, two runs, the
 // representative and a recommendation. Returns the outcome as text.
@@ -40,11 +23,13 @@ std::string cycle(unsigned seed) {
       image.data(), static_cast<int>(image.size()), 32, 32, itf_xvk_faceroi{2, 2, 28, 28});
   outcome += extracted ? " extracted" : " none";
 
-  std::vector<std::vector<float>> all = faces(5, 4, seed);
+  // Face i of person i % 5.
+  std::vector<float> all = evaluation::uniformGallery(20, 5, seed);
+  auto face = [&](int i) { return all.data() + i * 960; };
   itf_xvk_clusterinfo first{0, nullptr}, second{0, nullptr};
   for (int batch = 0; batch < 2; ++batch) {
     for (int i = batch * 10; i < batch * 10 + 10; ++i)
-      handle.itf_xvk_loadFaceFeature(all[i].data(), i);
+      handle.itf_xvk_loadFaceFeature(face(i), i);
     handle.itf_xvk_runClustering(batch == 0 ? nullptr : &first);
     itf_xvk_clusterinfo& result = batch == 0 ? first : second;
     outcome += " " + std::to_string(handle.itf_xvk_getClusterInfo(&result));
@@ -54,8 +39,8 @@ std::string cycle(unsigned seed) {
     }
   }
   outcome += " recommend " +
-             std::to_string(handle.itf_xvk_recommendCluster(&second, all[3].data(), 0));
-  outcome += " compare " + std::to_string(handle.itf_xvk_compareFeature(all[0].data(), all[1].data()));
+             std::to_string(handle.itf_xvk_recommendCluster(&second, face(3), 0));
+  outcome += " compare " + std::to_string(handle.itf_xvk_compareFeature(face(0), face(5)));
   handle.itf_xvk_releaseClusterInfo(&first);
   handle.itf_xvk_releaseClusterInfo(&second);
   handle.itf_xvk_Release();

@@ -10,6 +10,8 @@
 
 #include <unistd.h>
 
+#include <nlohmann/json.hpp>
+
 #include "evaluation/synthetic_gallery.h"
 #include "html_check.h"
 #include "interface/face_recognition.h"
@@ -122,6 +124,14 @@ TEST_F(ProgramTest, CommandLineMistakesAreUsageErrors) {
       {{"representative", features, "--cluster", "3"}, "go together"},
       {{"cluster", features, "-o", Path("x"), "--report", Path("x")}, "two different outputs"},
       {{"extract", features, "--face", "0,0,1,1", "-o", Path("x")}, "--size is required"},
+      // Standard output takes one output, and no binary one.
+      {{"cluster", features, "-o", "-", "--report", "-"}, "standard output (-): named as two"},
+      {{"extract", features, "--size", "1x1", "--face", "0,0,1,1", "-o", "-"}, "binary"},
+      {{"demo", "-o", "-"}, "standard output holds the demo's summary"},
+      {{"clustr", features, "-o", Path("x")},
+       "unknown subcommand 'clustr'; did you mean 'cluster'?"},
+      {{"-q", "--models", ".", "dmeo"}, "did you mean 'demo'?"},
+      {{"frobnicate"}, "(the subcommands are cluster, representative, recommend, compare, "},
   };
   for (const auto& c : mistakes) {
     const ProcessResult run = runProgram(c.args);
@@ -155,11 +165,14 @@ TEST_F(ProgramTest, EveryWayOfBatchingGivesTheClustersOfTheLibraryCalledDirectly
   EXPECT_TRUE(readWholeFile(Path("demo.json")) == direct);
   EXPECT_GE(readClusters(Path("demo.json")).back().id, 1) << "fewer than two clusters";
 
-  const ProcessResult cluster =
-      runProgram({"cluster", Path("g/features.npy"), "--ids", Path("g/face_ids.txt"), "--labels",
-                  Path("g/labels.txt"), "--in-order", "--batch-size", std::to_string(half), "-o",
-                  Path("cluster.json"), "--report", Path("report.html")});
+  const ProcessResult cluster = runProgram(
+      {"cluster", Path("g/features.npy"), "--ids", Path("g/face_ids.txt"), "--labels",
+       Path("g/labels.txt"), "--in-order", "--batch-size", std::to_string(half), "-o",
+       Path("cluster.json"), "--report", Path("report.html"), "--metrics-json", Path("file.json")});
   ASSERT_EQ(cluster.exitCode, 0) << cluster.err;
+  const auto fileMetrics = nlohmann::json::parse(readWholeFile(Path("file.json")));
+  EXPECT_EQ(fileMetrics["quality"]["scope"], "file");
+  EXPECT_EQ(fileMetrics["result"]["scope"], "gallery");
   EXPECT_TRUE(readWholeFile(Path("cluster.json")) == direct);
   EXPECT_NE(cluster.out.find("labelled faces of this file: pairwise P "), std::string::npos)
       << cluster.out;
@@ -188,17 +201,22 @@ TEST_F(ProgramTest, EveryWayOfBatchingGivesTheClustersOfTheLibraryCalledDirectly
   const ProcessResult second =
       runProgram({"-q", "cluster", Path("second.f32"), "--ids", Path("ids.txt"), "--existing",
                   Path("first.json"), "-o", Path("second.json"), "--labels", Path("pairs.tsv"),
-                  "--assignments", Path("second.tsv"), "--metrics-json", Path("m.json")});
+                  "--assignments", "-", "--metrics-json", Path("m.json")});
   ASSERT_EQ(second.exitCode, 0) << second.err;
   EXPECT_TRUE(readWholeFile(Path("second.json")) == direct);
   const std::string scope =
       "over the " + std::to_string(features.rows()) +
       " labelled faces of the gallery: " + cluster.out.substr(cluster.out.find("pairwise P "), 60);
-  EXPECT_NE(second.out.find(scope), std::string::npos) << second.out << cluster.out;
-  EXPECT_NE(readWholeFile(Path("m.json")).find("\"scope\": \"gallery\""), std::string::npos);
+  // The assignments went to standard output, so the summary went to standard error.
+  EXPECT_NE(second.err.find(scope), std::string::npos) << second.err << cluster.out;
+  EXPECT_NE(second.err.find("assignments written to standard output"), std::string::npos);
+  const auto metrics = nlohmann::json::parse(readWholeFile(Path("m.json")));
+  EXPECT_EQ(metrics["quality"]["scope"], "gallery");
+  EXPECT_EQ(metrics["quality"]["labelled_faces"], features.rows());
+  EXPECT_EQ(metrics["result"]["faces"], features.rows());
 
-  // One line per face of the second file, in its order, with the first real
-  // cluster that lists it, or -1.
+  // One line per face of the second file (not the earlier ones), in its
+  // order, with the first real cluster that lists it, or -1.
   std::map<int, int> clusterOf;
   for (const ClusterRecord& c : readClusters(Path("second.json")))
     for (int face : c.faceIds) {
@@ -208,7 +226,31 @@ TEST_F(ProgramTest, EveryWayOfBatchingGivesTheClustersOfTheLibraryCalledDirectly
   std::string expected;
   for (int i = half; i < features.rows(); ++i)
     expected += std::to_string(i) + "\t" + std::to_string(clusterOf[i]) + "\n";
-  EXPECT_EQ(readWholeFile(Path("second.tsv")), expected);
+  EXPECT_EQ(second.out, expected);
+}
+
+// A run that will cluster poorly says so; the clusters are still written.
+TEST_F(ProgramTest, InOrderWithoutBatchSizeGetsANote) {
+  // 20 people of 4 faces: more than one default run of 64.
+  const evaluation::Gallery gallery = evaluation::makeGallery({7, 20, 4, 4, 0, 0, 0});
+  const std::string features = Path("f.npy");
+  writeFeatures(features, FeatureMatrix{gallery.features});
+  const std::string note = "note: --in-order without --batch-size runs all 80 faces as one run";
+  const struct {
+    std::vector<std::string> args;
+    bool noted;
+  } cases[] = {
+      {{"--in-order"}, true},
+      {{"--in-order", "--batch-size", "40"}, false},
+      {{}, false},
+  };
+  for (const auto& c : cases) {
+    std::vector<std::string> args = {"-q", "cluster", features, "-o", Path("x.json")};
+    args.insert(args.end(), c.args.begin(), c.args.end());
+    const ProcessResult run = runProgram(args);
+    EXPECT_EQ(run.exitCode, 0) << run.err;
+    EXPECT_EQ(run.err.find(note) != std::string::npos, c.noted) << run.err;
+  }
 }
 
 TEST_F(ProgramTest, FeatureOperations) {

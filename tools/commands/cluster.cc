@@ -29,6 +29,39 @@ struct ClusterOptions {
   int rounds = 0;
 };
 
+// Past this many faces one run is a poor way to cluster them: its time and
+// memory grow with the square of its faces (the README's speed table: 0.9 s
+// and 35 MiB at 2,000 faces, 32 s and 461 MiB at 10,000 on a workstation,
+// several times that on a phone), and it still makes at most about 21
+// clusters, so most of its faces stay unclustered.
+constexpr int kLargestGoodRun = 2000;
+
+// Notes on standard error for runs that will cluster poorly.
+void noteRunSize(const ClusterOptions& options, int faces) {
+  if (options.inOrder && options.batchSize == 0 && faces > kDefaultRunSize) {
+    std::fprintf(stderr,
+                 "xvkfc: note: --in-order without --batch-size runs all %d faces as one run; "
+                 "give --batch-size N for runs of N faces in file order\n",
+                 faces);
+  }
+  const int largestRun = std::min(
+      faces, options.inOrder ? (options.batchSize > 0 ? options.batchSize : faces)
+                             : (options.batchSize > 0 ? options.batchSize : kDefaultRunSize));
+  if (largestRun > kLargestGoodRun) {
+    std::fprintf(stderr,
+                 "xvkfc: note: one run gets %d faces, more than the %d it clusters well: its "
+                 "time and memory grow with the square of its faces and it makes at most about "
+                 "21 clusters; planned runs of %d faces (no --in-order, no --batch-size) "
+                 "cluster a gallery\n",
+                 largestRun, kLargestGoodRun, kDefaultRunSize);
+  }
+}
+
+// Where an output went, for the summary.
+std::string placeOf(const std::string& path) {
+  return isStandardOutput(path) ? "standard output" : path;
+}
+
 // Refuses option combinations that would silently give wrong results.
 void checkOptions(const ClusterOptions& options) {
   // Without ids the new faces would be numbered 0..N-1, and those numbers
@@ -85,12 +118,12 @@ int runCluster(const ClusterOptions& options, const GlobalOptions& global) {
       gallery.insert(cluster.faceIds.begin(), cluster.faceIds.end());
     if (std::none_of(gallery.begin(), gallery.end(),
                      [&](int face) { return labels.identities.count(face) > 0; })) {
-      throw ToolError(options.labels + ": none of its " +
-                      std::to_string(labels.identities.size()) +
+      throw ToolError(options.labels + ": none of its " + std::to_string(labels.identities.size()) +
                       " face ids is a face of this run or of --existing");
     }
   }
   progress.end(std::to_string(features.rows()) + " features");
+  noteRunSize(options, features.rows());
 
   EngineSession session(global.models);
   std::vector<RunSummary> batches;
@@ -121,23 +154,35 @@ int runCluster(const ClusterOptions& options, const GlobalOptions& global) {
 
   writeClusters(options.output, clusters);
   if (!options.assignments.empty()) writeAssignments(options.assignments, clusters, faceIds);
+  // Standard output holds an output file when one is "-"; the summary then
+  // goes to standard error.
+  FILE* const summary =
+      anyStandardOutput({options.output, options.assignments, options.metrics, options.report})
+          ? stderr
+          : stdout;
   const RunSummary& last = batches.back();
   const ScopedQuality quality = measureScoped(clusters, faceIds, labels);
   const std::string how =
-      planned ? std::to_string(plannedRuns) + (plannedRuns == 1 ? " planned run (" : " planned runs (") +
-                    std::to_string(batches.size()) +
-                    (batches.size() == 1 ? " round)" : " rounds)")
+      planned ? std::to_string(plannedRuns) +
+                    (plannedRuns == 1 ? " planned run (" : " planned runs (") +
+                    std::to_string(batches.size()) + (batches.size() == 1 ? " round)" : " rounds)")
               : std::to_string(batches.size()) + (batches.size() == 1 ? " batch" : " batches");
-  std::printf("%s",
-              describeRun(features.rows(), how, last, clusters, !options.existing.empty(), quality)
-                  .c_str());
+  std::fprintf(summary, "%s",
+               describeRun(features.rows(), how, last, clusters, !options.existing.empty(), quality)
+                   .c_str());
   if (!options.metrics.empty()) {
-    writeMetrics(options.metrics, quality.gallery ? "gallery" : "file", *quality.quality, last);
+    std::set<int> gallery;
+    for (const ClusterRecord& cluster : clusters)
+      gallery.insert(cluster.faceIds.begin(), cluster.faceIds.end());
+    writeMetrics(options.metrics, quality.gallery ? "gallery" : "file", *quality.quality,
+                 static_cast<int>(gallery.size()), last);
   }
-  std::printf("clusters written to %s\n", options.output.c_str());
-  if (!options.assignments.empty())
-    std::printf("assignments written to %s\n", options.assignments.c_str());
-  if (!options.metrics.empty()) std::printf("metrics written to %s\n", options.metrics.c_str());
+  std::fprintf(summary, "clusters written to %s\n", placeOf(options.output).c_str());
+  if (!options.assignments.empty()) {
+    std::fprintf(summary, "assignments written to %s\n", placeOf(options.assignments).c_str());
+  }
+  if (!options.metrics.empty())
+    std::fprintf(summary, "metrics written to %s\n", placeOf(options.metrics).c_str());
 
   if (!options.report.empty()) {
     ReportData report;
@@ -151,7 +196,7 @@ int runCluster(const ClusterOptions& options, const GlobalOptions& global) {
     report.rounds = planned;
     report.quality = quality.quality;
     writeBatchReport(options.report, std::move(report), session, features, faceIds, progress);
-    std::printf("report written to %s\n", options.report.c_str());
+    std::fprintf(summary, "report written to %s\n", placeOf(options.report).c_str());
   }
   return kExitOk;
 }
@@ -166,14 +211,16 @@ Command addClusterCommand(CLI::App& app, const GlobalOptions& global) {
       "Give the clusters file of an earlier run with --existing to add a new batch of faces to "
       "it, as a photo application does. More faces than one run takes (64, or --batch-size) are "
       "clustered in planned runs: faces that resemble each other run together, round after "
-      "round; --in-order runs them in file order instead. Progress goes to standard error, the "
-      "summary to standard output.");
+      "round; --in-order runs them in file order instead. An output named - goes to standard "
+      "output (one of them; JSON, text assignments or HTML). Progress and notes go to standard "
+      "error, the summary to standard output (to standard error when an output is -).");
   sub->add_option("FEATURES", options->features,
                   "Features: .npy (float32, shape N x 960) or raw little-endian float32 "
                   "(N x 960 values)")
       ->type_name("FILE")
       ->required();
-  sub->add_option("-o,--output", options->output, "Clusters file to write (JSON)")
+  sub->add_option("-o,--output", options->output,
+                  "Clusters file to write (JSON; - for standard output)")
       ->type_name("FILE")
       ->required();
   sub->add_option("--ids", options->ids,
@@ -185,7 +232,9 @@ Command addClusterCommand(CLI::App& app, const GlobalOptions& global) {
                   "already has")
       ->type_name("FILE");
   sub->add_option("--batch-size", options->batchSize,
-                  "Faces per run (default 0: 64 in planned runs, all at once with --in-order)")
+                  "Faces per run. Without --in-order: the largest planned run (default 64; "
+                  "a file of no more faces is one run). With --in-order: the file cut in file "
+                  "order into runs of this many faces (default: all faces in one run)")
       ->check(nonNegative());
   sub->add_flag("--in-order", options->inOrder,
                 "Run the faces in file order, --batch-size at a time, each run fed the previous "
@@ -200,7 +249,8 @@ Command addClusterCommand(CLI::App& app, const GlobalOptions& global) {
                   "prints pairwise and BCubed precision, recall and F-score")
       ->type_name("FILE");
   sub->add_option("--assignments", options->assignments,
-                  "Write the cluster of every input face, in input order (-1: unclustered): "
+                  "Write the cluster of every face of FEATURES, in input order (-1: "
+                  "unclustered); with --existing only these new faces, not the earlier ones: "
                   ".npy int32 (N, 2) face id and cluster id, or text FACE_ID<TAB>CLUSTER_ID")
       ->type_name("FILE");
   sub->add_option("--metrics-json", options->metrics,

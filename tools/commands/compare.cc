@@ -25,7 +25,7 @@ int runCompare(const CompareOptions& options, const GlobalOptions& global) {
   for (int i = 0; i < a.rows(); ++i) {
     for (int j = 0; j < b.rows(); ++j) scores.values.push_back(session.compare(a.row(i), b.row(j)));
   }
-  if (options.output.empty()) {
+  if (options.output.empty() || isStandardOutput(options.output)) {
     std::fputs(encodeScores("-", scores).c_str(), stdout);
   } else {
     writeFileAtomically(options.output, encodeScores(options.output, scores));
@@ -49,7 +49,7 @@ Command addCompareCommand(CLI::App& app, const GlobalOptions& global) {
       ->type_name("FILE");
   sub->add_option("-o,--output", options->output,
                   "Write the scores to this file instead: .npy int32 of shape (rows of A, rows "
-                  "of B), or tab-separated text")
+                  "of B), or tab-separated text (- is standard output, as without -o)")
       ->type_name("FILE");
   return {sub, [options, &global] { return runCompare(*options, global); }};
 }

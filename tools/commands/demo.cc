@@ -74,6 +74,9 @@ int runDemo(const DemoOptions& options, const GlobalOptions& global) {
   const std::string galleryProbe =
       options.saveGallery.empty() ? "" : options.saveGallery + "/features.npy";
   struct stat folder;
+  // Standard output is the demo's own story.
+  refuseStandardOutput(options.output, "-o", "standard output holds the demo's summary");
+  refuseStandardOutput(options.report, "--report", "standard output holds the demo's summary");
   checkOutputPaths({options.output, options.report,
                     galleryProbe.empty() || stat(options.saveGallery.c_str(), &folder) == 0
                         ? galleryProbe

@@ -89,6 +89,7 @@ YuvImage readImage(const ExtractOptions& options) {
 }
 
 int runExtract(const ExtractOptions& options, const GlobalOptions& global) {
+  refuseStandardOutput(options.output, "-o", "features are binary, not for standard output");
   checkOutputPaths({options.output}, {options.image});
   YuvImage yuv = readImage(options);
   const int width = yuv.width, height = yuv.height;

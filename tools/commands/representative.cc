@@ -47,6 +47,7 @@ int runRepresentative(const RepresentativeOptions& options, const GlobalOptions&
   if (options.clusters.empty() != (options.cluster < 0)) {
     throw UsageError("--clusters and --cluster go together (a cluster id of 0 or more)");
   }
+  refuseStandardOutput(options.output, "-o", "a feature is binary, not for standard output");
   checkOutputPaths({options.output}, {options.features, options.ids, options.clusters});
   const FeatureMatrix all = readFeatures(options.features);
   const std::vector<int> faceIds = readFaceIds(options.ids, all.rows());

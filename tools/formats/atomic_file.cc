@@ -36,6 +36,14 @@ void writeDirectly(const std::string& path, const std::string& bytes) {
 }  // namespace
 
 void writeFileAtomically(const std::string& path, const std::string& bytes) {
+  if (path == "-") {
+    // Flushed here, so that a closed pipe or a full device is this error.
+    if (std::fwrite(bytes.data(), 1, bytes.size(), stdout) != bytes.size() ||
+        std::fflush(stdout) != 0) {
+      throw ToolError(std::string("standard output: cannot write (") + std::strerror(errno) + ")");
+    }
+    return;
+  }
   struct stat status;
   if (stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) {
     writeDirectly(path, bytes);

@@ -11,6 +11,7 @@ namespace tool {
 // so that `path` either keeps its old content or holds all of `bytes`.
 // When `path` exists and is not a regular file (/dev/null, a pipe) it is
 // written directly instead, so the device or pipe stays what it is.
+// "-" writes `bytes` to standard output.
 // Throws ToolError (and removes the temporary file) when writing fails,
 // including a full device (/dev/full).
 void writeFileAtomically(const std::string& path, const std::string& bytes);

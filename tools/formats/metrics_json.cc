@@ -13,21 +13,23 @@ nlohmann::json ratios(const evaluation::PrecisionRecall& measure) {
 
 }  // namespace
 
-std::string metricsToJson(const std::string& scope, const evaluation::Quality& quality,
-                          const RunSummary& last) {
+std::string metricsToJson(const std::string& qualityScope, const evaluation::Quality& quality,
+                          int galleryFaces, const RunSummary& last) {
   nlohmann::json document;
-  document["scope"] = scope;
-  document["faces"] = quality.faces;
-  document["clusters"] = last.clusters;
-  document["unclustered"] = last.unclustered;
-  document["pairwise"] = ratios(quality.pairwise);
-  document["bcubed"] = ratios(quality.bcubed);
+  document["quality"] = {{"scope", qualityScope},
+                         {"labelled_faces", quality.faces},
+                         {"pairwise", ratios(quality.pairwise)},
+                         {"bcubed", ratios(quality.bcubed)}};
+  document["result"] = {{"scope", "gallery"},
+                        {"faces", galleryFaces},
+                        {"clusters", last.clusters},
+                        {"unclustered", last.unclustered}};
   return document.dump(1) + "\n";
 }
 
-void writeMetrics(const std::string& path, const std::string& scope,
-                  const evaluation::Quality& quality, const RunSummary& last) {
-  writeFileAtomically(path, metricsToJson(scope, quality, last));
+void writeMetrics(const std::string& path, const std::string& qualityScope,
+                  const evaluation::Quality& quality, int galleryFaces, const RunSummary& last) {
+  writeFileAtomically(path, metricsToJson(qualityScope, quality, galleryFaces, last));
 }
 
 }  // namespace tool

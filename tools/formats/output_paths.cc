@@ -18,12 +18,29 @@ std::string folderOf(const std::string& path) {
 
 }  // namespace
 
+bool anyStandardOutput(const std::vector<std::string>& paths) {
+  for (const std::string& path : paths)
+    if (isStandardOutput(path)) return true;
+  return false;
+}
+
+void refuseStandardOutput(const std::string& path, const std::string& option,
+                          const std::string& reason) {
+  if (isStandardOutput(path)) {
+    throw UsageError(option + " -: " + reason + "; name a file");
+  }
+}
+
 void checkOutputPaths(const std::vector<std::string>& paths,
                       const std::vector<std::string>& inputs) {
   std::set<std::string> seen;
   for (const std::string& path : paths) {
-    if (path.empty() || path == "-") continue;
-    if (!seen.insert(path).second) throw UsageError(path + ": named as two different outputs");
+    if (path.empty()) continue;
+    if (!seen.insert(path).second) {
+      throw UsageError((isStandardOutput(path) ? std::string("standard output (-)") : path) +
+                       ": named as two different outputs");
+    }
+    if (isStandardOutput(path)) continue;
     struct stat info;
     if (stat(path.c_str(), &info) == 0) {
       if (S_ISDIR(info.st_mode)) throw UsageError(path + ": is a folder, not a file to write");
