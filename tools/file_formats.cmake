@@ -14,6 +14,7 @@ add_library(xvkfc_file_formats STATIC
   ${CMAKE_CURRENT_LIST_DIR}/formats/atomic_file.cc
   ${CMAKE_CURRENT_LIST_DIR}/formats/cluster_json.cc
   ${CMAKE_CURRENT_LIST_DIR}/formats/feature_file.cc
+  ${CMAKE_CURRENT_LIST_DIR}/formats/file_kind.cc
   ${CMAKE_CURRENT_LIST_DIR}/formats/id_list.cc
   ${CMAKE_CURRENT_LIST_DIR}/formats/image_file.cc
   ${CMAKE_CURRENT_LIST_DIR}/formats/labels.cc

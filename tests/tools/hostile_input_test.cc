@@ -60,7 +60,7 @@ TEST_F(HostileInputTest, BatchSizesPastTheFaceCountAreOneRun) {
 // full device is a failed run.
 TEST_F(HostileInputTest, SpecialOutputFilesAreWrittenInPlace) {
   const std::string features = Features();
-  const std::string fifo = Path("pipe");
+  const std::string fifo = Path("pipe.f32");  // raw: the feature's 3840 bytes
   ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
   // Opened for reading first, so that the program's open for writing does not wait.
   const int reader = open(fifo.c_str(), O_RDONLY | O_NONBLOCK);
@@ -173,7 +173,7 @@ TEST_F(HostileInputTest, MessagesEscapeWhatTheyCannotPrint) {
   const ProcessResult run =
       runProgram({"-q", "cluster", Features(), "--ids", ids, "-o", Path("o.json")});
   EXPECT_EQ(run.exitCode, 1);
-  EXPECT_NE(run.err.find("ids.txt: '1\\x00x\\x1b' is not an integer (face ids entry 0)\n"),
+  EXPECT_NE(run.err.find("ids.txt: line 1: '1\\x00x\\x1b' is not a number (face ids entry 0); "),
             std::string::npos)
       << run.err;
   const struct {

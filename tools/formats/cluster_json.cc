@@ -9,6 +9,7 @@
 
 #include "tools/formats/atomic_file.h"
 #include "tools/formats/feature_file.h"
+#include "tools/formats/file_kind.h"
 #include "tools/tool_error.h"
 
 namespace tool {
@@ -144,6 +145,11 @@ std::string clustersToJson(const std::vector<ClusterRecord>& clusters) {
 }
 
 std::vector<ClusterRecord> clustersFromJson(const std::string& text, const std::string& source) {
+  const FileKind kind = fileKindOf(text);
+  if (kind != FileKind::kJson && kind != FileKind::kOther) {
+    throw ToolError(source + ": looks like " + fileKindName(kind) +
+                    ", not a clusters file (JSON, as cluster -o writes it)");
+  }
   json document;
   try {
     document = json::parse(text);

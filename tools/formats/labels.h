@@ -1,9 +1,12 @@
 // Known identities for measuring quality (--labels), in either of two
 // layouts:
 //  - one label per feature, in feature order: text with one integer per
-//    feature (whitespace-separated), or a .npy int array of shape (N,);
-//  - face id and label pairs: text whose every non-empty line holds exactly
-//    two integers "FACE_ID LABEL", or a .npy int array of shape (N, 2).
+//    feature, or a NumPy int array of shape (N,);
+//  - face id and label pairs: text whose every line with numbers holds
+//    exactly two integers "FACE_ID LABEL", or a NumPy int array of shape
+//    (N, 2).
+// Text and NumPy are read as id_list.h says (commas, '#' comments, whole
+// numbers written as floats).
 // Pairs need not be in any order and may name faces of earlier runs, so one
 // file can measure the whole gallery after any run.
 #ifndef XVKFC_TOOLS_FORMATS_LABELS_H_
