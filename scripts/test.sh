@@ -5,7 +5,9 @@
 #             (including the allocation-failure sweep under LeakSanitizer)
 #   armhf     32-bit ARM cross build, tests run under qemu-arm
 #   fuzz      clang libFuzzer build: the seed corpus and regressions, then
-#             XVKFC_FUZZ_SECONDS (default 60) seconds of fuzzing
+#             XVKFC_FUZZ_SECONDS (default 60) seconds of fuzzing the
+#             operations and XVKFC_READER_FUZZ_SECONDS (default 10) each
+#             of the program's five file readers
 #   threads   two handles on two threads under ThreadSanitizer
 # Installs whatever is missing first. Exits non-zero if anything fails.
 # Usage: scripts/test.sh [preset ...]   (default: all five)
@@ -30,7 +32,8 @@ configure() {
     fuzz)
       local flags="-fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer"
       cmake "${common[@]}" -DCMAKE_CXX_COMPILER=clang++ -DXVKFC_FUZZ=ON \
-        -DXVKFC_FUZZ_SECONDS="${XVKFC_FUZZ_SECONDS:-60}" -DCMAKE_CXX_FLAGS="$flags" \
+        -DXVKFC_FUZZ_SECONDS="${XVKFC_FUZZ_SECONDS:-60}" \
+        -DXVKFC_READER_FUZZ_SECONDS="${XVKFC_READER_FUZZ_SECONDS:-10}" -DCMAKE_CXX_FLAGS="$flags" \
         -DCMAKE_EXE_LINKER_FLAGS="-fsanitize=address,undefined" ;;
     threads)
       cmake "${common[@]}" -DXVKFC_THREAD_CHECK=ON -DCMAKE_CXX_FLAGS=-fsanitize=thread \
@@ -43,7 +46,7 @@ configure() {
 # The fuzz and threads builds build only their own targets.
 build_targets() {
   case "$1" in
-    fuzz) echo "--target xvkfc_operations_fuzzer" ;;
+    fuzz) echo "--target xvkfc_fuzz_targets" ;;
     threads) echo "--target xvkfc_two_handles" ;;
   esac
 }

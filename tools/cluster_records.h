@@ -15,7 +15,7 @@ struct ClusterRecord {
   int id = -1;                 // >= 0, or -1 for the unclustered bucket
   std::vector<int> faceIds;    // members, in the library's order
   int repFaceId = -1;          // representative face; -1 for the bucket
-  std::vector<float> feature;  // 960 floats; empty for the bucket
+  std::vector<float> feature;  // 960 floats; empty for the bucket and featureDim 0
 };
 
 // Views of the program's records as the library's exchange records. The

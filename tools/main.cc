@@ -7,6 +7,7 @@
 #include "tools/commands/commands.h"
 #include "tools/commands/subcommand_typo.h"
 #include "tools/run/library_log.h"
+#include "tools/printable_text.h"
 #include "tools/tool_error.h"
 #include "tools/version.h"
 
@@ -38,13 +39,14 @@ int main(int argc, char** argv) {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& e) {
     if (e.get_exit_code() == 0) return app.exit(e);  // --help, --version
+    // The parser quotes the argument it refuses, which may hold any byte.
     std::vector<std::string> names;
     for (const tool::Command& command : commands) names.push_back(command.subcommand->get_name());
     const std::string typo = tool::unknownSubcommand({argv + 1, argv + argc}, names);
     const std::string message =
         typo.empty() ? e.what() : tool::describeUnknownSubcommand(typo, names);
     std::fprintf(stderr, "xvkfc: error: %s\nRun with --help for more information.\n",
-                 message.c_str());
+                 tool::printableText(message).c_str());
     return tool::kExitUsage;
   }
   tool::routeLibraryLog(global.verbose);
@@ -56,7 +58,7 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "xvkfc: error: %s\nRun with --help for more information.\n", e.what());
     return tool::kExitUsage;
   } catch (const std::exception& e) {  // ToolError and the library's own failures
-    std::fprintf(stderr, "xvkfc: error: %s\n", e.what());
+    std::fprintf(stderr, "xvkfc: error: %s\n", tool::printableText(e.what()).c_str());
     return tool::kExitBadInput;
   }
   return tool::kExitUsage;

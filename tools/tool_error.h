@@ -5,14 +5,18 @@
 #include <stdexcept>
 #include <string>
 
+#include "tools/printable_text.h"
+
 namespace tool {
 
 // A problem with the user's input or with a library call, worded for the
 // user: main prints what() as one line on standard error and exits with
-// kExitBadInput. Messages name the file first ("features.npy: ...").
+// kExitBadInput. Messages name the file first ("features.npy: ..."). The
+// message is kept with its unprintable bytes escaped: what() is a C string,
+// which a NUL quoted from a binary file would otherwise cut short.
 class ToolError : public std::runtime_error {
  public:
-  explicit ToolError(const std::string& message) : std::runtime_error(message) {}
+  explicit ToolError(const std::string& message) : std::runtime_error(printableText(message)) {}
 };
 
 // A mistake on the command line that the parser cannot see (a malformed

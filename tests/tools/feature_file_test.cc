@@ -13,10 +13,12 @@
 namespace tool {
 namespace {
 
-// Two features holding -0.0 and the smallest denormal among plain values.
+// Two unit-length features holding -0.0 and the smallest denormal among
+// plain values (which leave the length within 1e-3 of 1).
 FeatureMatrix TwoFeatures() {
   FeatureMatrix features;
-  for (int i = 0; i < 2 * kFeatureDim; ++i) features.values.push_back((i % 7) * 0.25f - 1.0f);
+  for (int i = 0; i < 2 * kFeatureDim; ++i)
+    features.values.push_back(((i % 7) * 0.25f - 1.0f) / 17.3f);
   features.values[3] = -0.0f;
   features.values[5] = std::numeric_limits<float>::denorm_min();
   return features;
@@ -34,7 +36,8 @@ std::string Npy(int version, const std::string& header, const std::string& data)
 TEST(FeatureFileTest, ReadsWhatItWritesBitExactlyAndTheOtherLayouts) {
   const tool_test::TempFolder folder;
   const FeatureMatrix features = TwoFeatures();
-  for (const char* name : {"f.npy", "f.raw"}) {
+  // NumPy by its content whatever the name; raw only by name.
+  for (const char* name : {"f.npy", "f.raw", "f.bin"}) {
     writeFeatures(folder.path(name), features);
     const FeatureMatrix back = readFeatures(folder.path(name));
     ASSERT_EQ(back.rows(), 2) << name;
@@ -58,11 +61,16 @@ TEST(FeatureFileTest, ReadsWhatItWritesBitExactlyAndTheOtherLayouts) {
   ASSERT_EQ(narrowed.rows(), 1);
   EXPECT_EQ(narrowed.row(0)[0], 0.1f);
 
-  // Integer lists as text and as little-endian int64.
+  // Integer lists as text (numpy.savetxt's floats, commas, comments) and as
+  // little-endian int64, also under a name that is not .npy.
   EXPECT_EQ(readIntList(folder.write("ids.txt", " 5\n-3\t2147483647\n"), "ids"),
             (std::vector<int>{5, -3, 2147483647}));
+  EXPECT_EQ(readIntList(folder.write("savetxt.txt",
+                                     "# ids\n1.000000000000000000e+00,-2.0  # two\n3e+01,\n"),
+                        "ids"),
+            (std::vector<int>{1, -2, 30}));
   const std::string wide = std::string("\x07\0\0\0\0\0\0\0", 8) + std::string(8, '\xff');
-  EXPECT_EQ(readIntList(folder.write("ids.npy", encodeNpy("<i8", {2}, wide)), "ids"),
+  EXPECT_EQ(readIntList(folder.write("ids.bin", encodeNpy("<i8", {2}, wide)), "ids"),
             (std::vector<int>{7, -1}));
   EXPECT_EQ(readIntList(folder.write("u4.npy", encodeNpy("<u4", {1}, std::string("\x07\0\0\0", 4))),
                         "ids"),
@@ -75,6 +83,16 @@ TEST(FeatureFileTest, RejectsBadFilesWithTheReason) {
   std::string nan = raw;
   const float notANumber = std::numeric_limits<float>::quiet_NaN();
   std::memcpy(&nan[4 * (kFeatureDim + 2)], &notANumber, 4);
+  const auto doubles = [](const std::string& floats) {  // the same values as float64
+    std::string wide;
+    for (size_t i = 0; i < floats.size(); i += 4) {
+      float value;
+      std::memcpy(&value, &floats[i], 4);
+      const double widened = value;
+      wide.append(reinterpret_cast<const char*>(&widened), 8);
+    }
+    return wide;
+  };
   const struct {
     std::string name, bytes, expected;
     bool faceIds;  // read as the face ids of 3 features, otherwise as features
@@ -93,8 +111,22 @@ TEST(FeatureFileTest, RejectsBadFilesWithTheReason) {
            raw.substr(0, 3840)),
        "Fortran", false},
       {"empty.raw", "", "no features", false},
+      // Raw needs its name, unit-length float32 and whole features: float64
+      // read as float32 would be twice as many faces of garbage.
+      {"features.bin", raw, "not a NumPy file: features are a NumPy float32 or float64 array",
+       false},
+      {"clusters.npy", "\n {\"clusters\": []}", "not a NumPy file, it looks like JSON", false},
+      {"f64.f32", doubles(raw), "feature 0 has length", false},
+      {"short.f32", raw.substr(4), "7676 bytes do not divide into features of 3840", false},
+      {"zero.raw", std::string(3840, '\0'),
+       "feature 0 has length 0, not 1; raw features are unit-length", false},
       {"nan.raw", nan, "feature 1 has a value that is not finite (element 2)", false},
-      {"word.txt", "1 2 x3", "'x3' is not an integer", true},
+      {"word.txt", "1 2 x3", "line 1: 'x3' is not a number (face ids entry 2); write integers",
+       true},
+      {"half.txt", "1\n2\n1.5 # a\n", "line 3: '1.5' is not a whole number", true},
+      {"nan.txt", "1 nan 2", "'nan' is not a number", true},
+      {"ids.json", "[1, 2, 3]", "looks like JSON, not a list of face ids", true},
+      {"ids.npy", "1 2 3", "not a NumPy .npy file", true},
       {"range.txt", "1 2147483648", "does not fit", true},
       {"count.txt", "1 2", "holds 2 face ids for 3 features", true},
       {"dup.txt", "4 1 4", "duplicate face id 4", true},

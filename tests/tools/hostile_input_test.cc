@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <limits>
 
 #include "evaluation/synthetic_gallery.h"
@@ -12,6 +13,7 @@
 #include "tools/formats/atomic_file.h"
 #include "tools/formats/cluster_json.h"
 #include "tools/formats/feature_file.h"
+#include "tools/printable_text.h"
 #include "tools/tool_error.h"
 
 namespace tool {
@@ -58,7 +60,7 @@ TEST_F(HostileInputTest, BatchSizesPastTheFaceCountAreOneRun) {
 // full device is a failed run.
 TEST_F(HostileInputTest, SpecialOutputFilesAreWrittenInPlace) {
   const std::string features = Features();
-  const std::string fifo = Path("pipe");
+  const std::string fifo = Path("pipe.f32");  // raw: the feature's 3840 bytes
   ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
   // Opened for reading first, so that the program's open for writing does not wait.
   const int reader = open(fifo.c_str(), O_RDONLY | O_NONBLOCK);
@@ -110,6 +112,78 @@ TEST_F(HostileInputTest, InputsPastTheirLimitsAreRefused) {
   // The largest float, as nine digits write it, still reads back.
   EXPECT_EQ(clustersFromJson(clusterWith("3.40282347e+38"), "x.json")[0].feature[0],
             std::numeric_limits<float>::max());
+}
+
+// An input that is a FIFO nothing writes to is refused at once (a plain
+// open would wait for a writer for ever), and a folder is no input file.
+TEST_F(HostileInputTest, FifosWithoutWriterAndFoldersAreRefusedAtOnce) {
+  const std::string features = Features(), fifo = Path("pipe"), folder = Path("");
+  ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+  const std::string out = Path("out.json");
+  const std::vector<std::string> runs[] = {
+      {"cluster", fifo, "-o", out},
+      {"cluster", features, "--ids", fifo, "-o", out},
+      {"cluster", features, "--labels", fifo, "-o", out},
+      {"cluster", features, "--ids", folder_.write("ids.txt", "0 1 2 3 4"), "--existing", fifo,
+       "-o", out},
+      {"extract", fifo + ".png", "--face", "0,0,1,1", "-o", Path("x.npy")},
+      {"cluster", folder, "-o", out},
+  };
+  ASSERT_EQ(symlink(fifo.c_str(), (fifo + ".png").c_str()), 0);
+  for (const auto& args : runs) {
+    std::vector<std::string> quiet = {"-q"};
+    quiet.insert(quiet.end(), args.begin(), args.end());
+    const ProcessResult run = runProgram(quiet);
+    EXPECT_EQ(run.exitCode, 1) << args[1];
+    const bool refused =
+        run.err.find("a FIFO or pipe that nothing is writing to") != std::string::npos ||
+        run.err.find("not a regular file (a directory)") != std::string::npos;
+    EXPECT_TRUE(refused) << run.err;
+  }
+}
+
+// A cluster whose representative ran out of memory (featureDim 0, written
+// as null) is read back and handed to the library, which keeps it.
+TEST_F(HostileInputTest, ClustersWithoutRepresentativeSurviveTheClustersFile) {
+  const std::string features = Features(), ids = folder_.write("ids.txt", "10 11 12 13 14");
+  writeClusters(Path("in.json"), {{-1, {}, -1, {}}, {0, {100, 101}, 100, {}}});
+  const ProcessResult run = runProgram({"-q", "cluster", features, "--ids", ids, "--existing",
+                                        Path("in.json"), "-o", Path("out.json")});
+  ASSERT_EQ(run.exitCode, 0) << run.err;
+  const std::vector<ClusterRecord> out = readClusters(Path("out.json"));
+  const auto kept = std::find_if(out.begin(), out.end(), [](const ClusterRecord& c) {
+    return c.faceIds == std::vector<int>{100, 101};
+  });
+  ASSERT_NE(kept, out.end());
+  EXPECT_GE(kept->id, 0);
+  EXPECT_EQ(kept->repFaceId, 100);
+  EXPECT_TRUE(kept->feature.empty());
+  // recommend leaves it out: the library answers -1 for a list holding one.
+  const ProcessResult fit =
+      runProgram({"recommend", features, "--ids", ids, "--clusters", Path("out.json")});
+  EXPECT_EQ(fit.exitCode, 0) << fit.err;
+  EXPECT_NE(fit.out.find("\t1023\n"), std::string::npos) << fit.out;
+  EXPECT_EQ(fit.out.find("\t-1\t1023\n"), std::string::npos) << fit.out;
+}
+
+// Bytes of a binary file quoted in a message are escaped, so that the
+// whole message reaches the terminal; text in UTF-8 stays as it is.
+TEST_F(HostileInputTest, MessagesEscapeWhatTheyCannotPrint) {
+  const std::string ids = folder_.write("ids.txt", std::string("1\0x\x1b 2", 6));
+  const ProcessResult run =
+      runProgram({"-q", "cluster", Features(), "--ids", ids, "-o", Path("o.json")});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_NE(run.err.find("ids.txt: line 1: '1\\x00x\\x1b' is not a number (face ids entry 0); "),
+            std::string::npos)
+      << run.err;
+  const struct {
+    std::string text, printed;
+  } cases[] = {
+      {"\xce\xbb.npy \xf0\x9f\x99\x82", "\xce\xbb.npy \xf0\x9f\x99\x82"},  // kept
+      {"a\nb\x7f", "a\\x0ab\\x7f"},
+      {"\xff\xc0\x80\xed\xa0\x80\xce", "\\xff\\xc0\\x80\\xed\\xa0\\x80\\xce"},
+  };
+  for (const auto& c : cases) EXPECT_EQ(printableText(c.text), c.printed) << c.printed;
 }
 
 // Sizes and rectangles whose sums or products pass int are refused with a

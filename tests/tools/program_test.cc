@@ -1,16 +1,15 @@
 // The program run as a process, as a user or a script runs it.
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <cstring>
 #include <fstream>
 #include <iterator>
 #include <map>
-#include <sstream>
-
-#include <unistd.h>
-
 #include <nlohmann/json.hpp>
+#include <sstream>
 
 #include "evaluation/synthetic_gallery.h"
 #include "html_check.h"
@@ -64,7 +63,8 @@ class ProgramTest : public testing::Test {
 
 // The messages themselves are pinned where each file is read.
 TEST_F(ProgramTest, BadInputGivesOneLineAndLeavesNoOutput) {
-  const std::string features = folder_.write("two.f32", std::string(2 * 3840, '\0'));
+  const std::string features =
+      folder_.write("two.npy", encodeFeatures("x.npy", FeatureMatrix{std::vector<float>(2 * 960)}));
   folder_.write("short.raw", std::string(3839, '\0'));
   folder_.write("broken.json", "{\"clusters\": [");
   folder_.write("bucket.json", R"({"clusters": [{"cluster_id": -1, "face_ids": [1]}]})");
@@ -78,7 +78,8 @@ TEST_F(ProgramTest, BadInputGivesOneLineAndLeavesNoOutput) {
     std::string expected;
   } cases[] = {
       {{Path("absent.npy")}, "absent.npy: cannot open"},
-      {{Path("short.raw")}, "truncated"},
+      {{Path("short.raw")}, "3839 bytes do not divide into features of 3840 bytes"},
+      {{Path("broken.json")}, "broken.json: not a NumPy file, it looks like JSON: features are "},
       {{features, "--ids", ids, "--existing", Path("broken.json")}, "broken.json: malformed JSON"},
       {{features, "--labels", labels}, "labels for 2 features"},
       // Quality over no face would read as a perfect score.
@@ -102,7 +103,8 @@ TEST_F(ProgramTest, BadInputGivesOneLineAndLeavesNoOutput) {
 }
 
 TEST_F(ProgramTest, CommandLineMistakesAreUsageErrors) {
-  const std::string features = folder_.write("f.f32", std::string(3840, '\0'));
+  const std::string features =
+      folder_.write("f.npy", encodeFeatures("x.npy", FeatureMatrix{std::vector<float>(960)}));
   const std::string ids = folder_.write("ids.txt", "5");
   const std::string alias = Path("alias.f32");  // the same file under another name
   ASSERT_EQ(link(features.c_str(), alias.c_str()), 0);
@@ -189,12 +191,18 @@ TEST_F(ProgramTest, EveryWayOfBatchingGivesTheClustersOfTheLibraryCalledDirectly
   const std::string raw = encodeFeatures("x.raw", features);
   folder_.write("first.f32", raw.substr(0, half * 3840));
   folder_.write("second.f32", raw.substr(half * 3840));
-  // Labels keyed by face id, in reverse order, measure the whole gallery.
-  std::string ids, pairs;
-  for (int i = half; i < features.rows(); ++i) ids += std::to_string(i) + " ";
+  // Face ids as numpy.savetxt writes them by default, with a header line.
+  // Labels keyed by face id, comma-separated, in reverse order, measure the
+  // whole gallery.
+  std::string ids = "# face ids\n", pairs;
+  for (int i = half; i < features.rows(); ++i) {
+    char line[40];
+    std::snprintf(line, sizeof line, "%.18e\n", static_cast<double>(i));
+    ids += line;
+  }
   const std::vector<int> labels = readIntList(Path("g/labels.txt"), "labels");
   for (int i = features.rows() - 1; i >= 0; --i)
-    pairs += std::to_string(i) + "\t" + std::to_string(labels[i]) + "\n";
+    pairs += std::to_string(i) + "," + std::to_string(labels[i]) + "\n";
   folder_.write("ids.txt", ids);
   folder_.write("pairs.tsv", pairs);
   ASSERT_EQ(runProgram({"-q", "cluster", Path("first.f32"), "-o", Path("first.json")}).exitCode, 0);

@@ -25,7 +25,8 @@ struct Command {
 
 // Adds the required FILE argument `name` of a subcommand that reads features.
 inline CLI::Option* addFeaturesArgument(CLI::App* sub, const std::string& name, std::string& path) {
-  return sub->add_option(name, path, "Features: .npy (N x 960 float32) or raw float32")
+  return sub
+      ->add_option(name, path, "Features: NumPy (N x 960), or raw float32 named *.f32 or *.raw")
       ->type_name("FILE")
       ->required();
 }

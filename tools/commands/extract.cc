@@ -6,6 +6,7 @@
 
 #include "tools/commands/commands.h"
 #include "tools/formats/atomic_file.h"
+#include "tools/formats/file_kind.h"
 #include "tools/formats/image_file.h"
 #include "tools/formats/output_paths.h"
 #include "tools/run/engine_session.h"
@@ -42,21 +43,37 @@ std::vector<int> parseInts(const std::string& text, char separator, size_t count
   return values;
 }
 
+// A PNG or JPEG image, by its name or its content, as planar YUV 4:2:0.
+YuvImage decodeImage(const std::string& bytes, const std::string& path) {
+  const FileKind kind = fileKindOf(bytes);
+  if (kind != FileKind::kPng && kind != FileKind::kJpeg && kind != FileKind::kOther) {
+    throw ToolError(path + ": looks like " + fileKindName(kind) + ", not a PNG or JPEG image");
+  }
+  return decodeToYuv420(bytes, path);
+}
+
 // The image as planar YUV 4:2:0: PNG and JPEG converted, raw YUV checked
 // against --size.
 YuvImage readImage(const ExtractOptions& options) {
-  const bool compressed = isCompressedImageName(options.image);
+  bool compressed = isCompressedImageName(options.image);
   if (compressed && options.size.empty()) {
-    YuvImage image = decodeToYuv420(readWholeFile(options.image), options.image);
-    return image;
+    return decodeImage(readWholeFile(options.image), options.image);
   }
   if (options.size.empty()) {
     throw UsageError("--size is required for a raw YUV image (" + options.image + ")");
   }
   const std::vector<int> size = parseInts(options.size, 'x', 2, "image size (WIDTHxHEIGHT)");
   if (size[0] < 1 || size[1] < 1) throw UsageError("the image size must be positive");
+  std::string bytes;
+  if (!compressed) {
+    bytes = readWholeFile(options.image);
+    // A PNG or JPEG under another name is decoded, never read as YUV bytes.
+    const FileKind kind = fileKindOf(bytes);
+    compressed = kind == FileKind::kPng || kind == FileKind::kJpeg;
+  }
   if (compressed) {
-    YuvImage image = decodeToYuv420(readWholeFile(options.image), options.image);
+    YuvImage image =
+        decodeImage(bytes.empty() ? readWholeFile(options.image) : bytes, options.image);
     if (image.width != size[0] || image.height != size[1]) {
       throw ToolError(options.image + ": the image is " + std::to_string(image.width) + "x" +
                       std::to_string(image.height) + ", not " + options.size);
@@ -77,7 +94,6 @@ YuvImage readImage(const ExtractOptions& options) {
                     std::to_string(expected) + " bytes, more than the " +
                     std::to_string(kMaxInputBytes) + " an input file may have");
   }
-  const std::string bytes = readWholeFile(options.image);
   if (bytes.size() != expected) {
     throw ToolError(options.image + ": " + (bytes.size() < expected ? "truncated: " : "") +
                     "a planar YUV 4:2:0 image of " + options.size + " has " +
@@ -140,7 +156,8 @@ Command addExtractCommand(CLI::App& app, const GlobalOptions& global) {
                   "Face rectangle as LEFT,TOP,WIDTH,HEIGHT in pixels; repeat for more faces")
       ->required()
       ->allow_extra_args(false);
-  sub->add_option("-o,--output", options->output, "Feature file to write (.npy or raw by name)")
+  sub->add_option("-o,--output", options->output,
+                  "Feature file to write (raw float32 for *.f32 and *.raw, NumPy otherwise)")
       ->type_name("FILE")
       ->required();
   return {sub, [options, &global] { return runExtract(*options, global); }};

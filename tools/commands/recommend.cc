@@ -19,7 +19,13 @@ struct RecommendOptions {
 int runRecommend(const RecommendOptions& options, const GlobalOptions& global) {
   const FeatureMatrix features = readFeatures(options.features);
   const std::vector<int> faceIds = readFaceIds(options.ids, features.rows());
-  const std::vector<ClusterRecord> clusters = readClusters(options.clusters);
+  // A cluster without a representative (featureDim 0) cannot be compared,
+  // and the library answers -1 for a whole list that holds one: leave it out.
+  std::vector<ClusterRecord> clusters = readClusters(options.clusters);
+  clusters.erase(
+      std::remove_if(clusters.begin(), clusters.end(),
+                     [](const ClusterRecord& c) { return c.id >= 0 && c.feature.empty(); }),
+      clusters.end());
   EngineSession session(global.models);
   for (int i = 0; i < features.rows(); ++i) {
     // The library returns only the cluster; the best score beside it shows

@@ -96,8 +96,9 @@ Command addRepresentativeCommand(CLI::App& app, const GlobalOptions& global) {
       "features of that stored cluster's faces take part.");
   addFeaturesArgument(sub, "FEATURES", options->features);
   addFaceIdsOption(sub, options->ids);
-  sub->add_option("-o,--output", options->output,
-                  "Write the representative feature here (.npy or raw by name)")
+  sub->add_option(
+         "-o,--output", options->output,
+         "Write the representative feature here (raw float32 for *.f32 and *.raw, NumPy otherwise)")
       ->type_name("FILE");
   sub->add_option("--clusters", options->clusters, "Clusters file (JSON) of 'xvkfc cluster'")
       ->type_name("FILE");

@@ -1,5 +1,6 @@
 #include "tools/formats/atomic_file.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -8,7 +9,6 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
-#include <memory>
 
 #include "tools/tool_error.h"
 
@@ -65,26 +65,56 @@ void writeFileAtomically(const std::string& path, const std::string& bytes) {
 }
 
 std::string readWholeFile(const std::string& path, size_t maxBytes) {
-  FILE* file = std::fopen(path.c_str(), "rb");
-  if (file == nullptr) throw ToolError(path + ": cannot open (" + std::strerror(errno) + ")");
-  const std::unique_ptr<FILE, int (*)(FILE*)> closer(file, std::fclose);
+  // Opened without blocking: a plain open of a FIFO waits for a writer that
+  // may never come, before any limit below could apply.
+  const int fd = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+  if (fd < 0) throw ToolError(path + ": cannot open (" + std::strerror(errno) + ")");
+  const struct Closer {
+    int fd;
+    ~Closer() { close(fd); }
+  } closer{fd};
+  struct stat status;
+  if (fstat(fd, &status) != 0) {
+    throw ToolError(path + ": cannot read (" + std::strerror(errno) + ")");
+  }
   const std::string tooLarge =
       path + ": larger than the " + std::to_string(maxBytes) + " bytes an input file may have";
-  // A regular file says how large it is; a device or a pipe may never end
-  // (/dev/zero), so it is read only up to the limit.
-  struct stat status;
-  if (fstat(fileno(file), &status) == 0 && S_ISREG(status.st_mode) &&
-      static_cast<uint64_t>(status.st_size) > maxBytes) {
-    throw ToolError(tooLarge);
+  // A regular file says how large it is; a character device or a pipe may
+  // never end (/dev/zero), so it is read only up to the limit. Anything else
+  // (a directory, a block device) is not an input file.
+  const bool pipe = S_ISFIFO(status.st_mode);
+  if (S_ISREG(status.st_mode)) {
+    if (static_cast<uint64_t>(status.st_size) > maxBytes) throw ToolError(tooLarge);
+  } else if (!pipe && !S_ISCHR(status.st_mode)) {
+    throw ToolError(path + ": not a regular file (" +
+                    (S_ISDIR(status.st_mode) ? "a directory" : "a block device or socket") + ")");
   }
   std::string content;
+  bool writerSeen = false;
   char chunk[1 << 16];
-  size_t got;
-  while ((got = std::fread(chunk, 1, sizeof chunk, file)) > 0) {
-    if (got > maxBytes - content.size()) throw ToolError(tooLarge);
-    content.append(chunk, got);
+  for (;;) {
+    const ssize_t got = read(fd, chunk, sizeof chunk);
+    if (got > 0) {
+      if (static_cast<size_t>(got) > maxBytes - content.size()) throw ToolError(tooLarge);
+      content.append(chunk, static_cast<size_t>(got));
+      writerSeen = true;
+    } else if (got == 0) {
+      break;
+    } else if (errno == EAGAIN || errno == EWOULDBLOCK) {
+      // A pipe whose writer has not written yet (another program's output
+      // given as /dev/stdin), or a terminal: read it as any program does.
+      writerSeen = true;
+      if (fcntl(fd, F_SETFL, fcntl(fd, F_GETFL) & ~O_NONBLOCK) != 0) {
+        throw ToolError(path + ": cannot read (" + std::strerror(errno) + ")");
+      }
+    } else if (errno != EINTR) {
+      throw ToolError(path + ": cannot read (" + std::strerror(errno) + ")");
+    }
   }
-  if (std::ferror(file)) throw ToolError(path + ": cannot read (" + std::strerror(errno) + ")");
+  // Without a writer, a FIFO opened without blocking reads as empty at once.
+  if (pipe && !writerSeen) {
+    throw ToolError(path + ": a FIFO or pipe that nothing is writing to");
+  }
   return content;
 }
 

@@ -22,7 +22,9 @@ inline constexpr size_t kMaxInputBytes = size_t{1} << 30;
 
 // Reads a whole file of at most `maxBytes` bytes. Throws ToolError naming
 // `path` when it cannot be read or is larger; a source that never ends
-// (/dev/zero) is read only up to the limit.
+// (/dev/zero) is read only up to the limit. A FIFO or pipe is read when a
+// program is writing to it and refused at once when none is (never waited
+// for); a directory or block device is refused.
 std::string readWholeFile(const std::string& path, size_t maxBytes = kMaxInputBytes);
 
 // True when `path` ends with `suffix`, compared without regard to case.

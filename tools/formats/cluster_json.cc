@@ -9,6 +9,7 @@
 
 #include "tools/formats/atomic_file.h"
 #include "tools/formats/feature_file.h"
+#include "tools/formats/file_kind.h"
 #include "tools/tool_error.h"
 
 namespace tool {
@@ -77,8 +78,11 @@ ClusterRecord parseCluster(const json& cluster, const std::string& where) {
 
   record.repFaceId = intField(cluster, "representative_face_id", where);
   const auto feature = cluster.find("representative_feature");
+  // null: a cluster whose representative the library could not compute for
+  // lack of memory (featureDim 0); the library takes it back as it is.
+  if (feature != cluster.end() && feature->is_null()) return record;
   if (feature == cluster.end() || !feature->is_array() || feature->size() != kFeatureDim) {
-    throw ToolError(where + ": \"representative_feature\" must be an array of 960 numbers");
+    throw ToolError(where + ": \"representative_feature\" must be null or an array of 960 numbers");
   }
   for (const json& value : *feature) {
     // 1e39 is finite as a double but infinite as the float the library takes.
@@ -97,7 +101,8 @@ void checkFormat(const json& document, const std::string& source) {
   if (!document.is_object()) return;  // reported as a missing "clusters" array
   const auto format = document.find("format");
   if (format != document.end() && *format != kFormat) {
-    throw ToolError(source + ": not a clusters file (format " + format->dump() + ", expected \"" +
+    throw ToolError(source + ": not a clusters file (format " +
+                    format->dump(-1, ' ', false, json::error_handler_t::replace) + ", expected \"" +
                     kFormat + "\")");
   }
   const auto version = document.find("version");
@@ -140,11 +145,18 @@ std::string clustersToJson(const std::vector<ClusterRecord>& clusters) {
 }
 
 std::vector<ClusterRecord> clustersFromJson(const std::string& text, const std::string& source) {
+  const FileKind kind = fileKindOf(text);
+  if (kind != FileKind::kJson && kind != FileKind::kOther) {
+    throw ToolError(source + ": looks like " + fileKindName(kind) +
+                    ", not a clusters file (JSON, as cluster -o writes it)");
+  }
   json document;
   try {
     document = json::parse(text);
   } catch (const json::parse_error& e) {
     throw ToolError(source + ": malformed JSON (byte " + std::to_string(e.byte) + ")");
+  } catch (const json::exception&) {  // a number past double, 1E99999: out_of_range
+    throw ToolError(source + ": malformed JSON (a number out of range)");
   }
   checkFormat(document, source);
   if (!document.contains("clusters") || !document["clusters"].is_array()) {

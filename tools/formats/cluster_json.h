@@ -9,6 +9,8 @@
 //       "representative_feature": [960 numbers]}, ...]}
 //
 // Cluster -1 is the bucket of unclustered faces and has no representative.
+// A cluster 0 or above with "representative_feature": null is one whose
+// representative the library could not compute (featureDim 0).
 // Floats are written with nine significant digits, which reads back as the
 // same float32.
 #ifndef XVKFC_TOOLS_FORMATS_CLUSTER_JSON_H_
@@ -27,8 +29,8 @@ std::string clustersToJson(const std::vector<ClusterRecord>& clusters);
 // Parses a clusters document. `source` names it in messages. Throws
 // ToolError for malformed JSON, another "format", a "version" above 1, a missing or mistyped field,
 // a cluster id below -1, the same cluster id twice, a face listed twice in one cluster, or a
-// representative feature that is not 960 finite numbers. A face may appear in two clusters: the
-// library itself puts an unclustered face into every existing cluster it matches.
+// representative feature that is neither null nor 960 finite numbers. A face may appear in two
+// clusters: the library itself puts an unclustered face into every existing cluster it matches.
 std::vector<ClusterRecord> clustersFromJson(const std::string& text, const std::string& source);
 
 // Reads and parses a clusters file.

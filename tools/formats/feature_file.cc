@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "tools/formats/atomic_file.h"
+#include "tools/formats/file_kind.h"
 #include "tools/formats/npy.h"
 #include "tools/tool_error.h"
 
@@ -13,6 +14,17 @@ namespace tool {
 namespace {
 
 constexpr size_t kFeatureBytes = kFeatureDim * sizeof(float);
+
+// How far a raw feature's length may be from 1. The extractor writes
+// unit-length features, so a float32 feature is within about 1e-6 of 1 and
+// one stored at half precision within about 1e-3; bytes of another layout
+// read as float32 (float64, ints, text) land far off, often by orders of
+// magnitude.
+constexpr double kRawNormTolerance = 0.01;
+
+const char kRawHint[] =
+    "raw features are unit-length little-endian float32, 960 a face; for float64 or any "
+    "other layout save a NumPy file (numpy.save)";
 
 float floatFromLittleEndian(const char* bytes) {
   uint32_t bits = 0;
@@ -63,8 +75,16 @@ std::string narrowDoubles(const std::string& data, const std::string& source) {
 }  // namespace
 
 FeatureMatrix readFeatures(const std::string& path) {
-  const std::string bytes = readWholeFile(path);
-  if (hasSuffix(path, ".npy")) {
+  return parseFeatures(readWholeFile(path), path);
+}
+
+bool isRawFeatureName(const std::string& path) {
+  return hasSuffix(path, ".f32") || hasSuffix(path, ".raw");
+}
+
+FeatureMatrix parseFeatures(const std::string& bytes, const std::string& path) {
+  const FileKind kind = fileKindOf(bytes);
+  if (kind == FileKind::kNumpy) {
     const NpyArray array = parseNpy(bytes, path);
     if (array.descr != "<f4" && array.descr != "<f8") {
       throw ToolError(path +
@@ -81,20 +101,43 @@ FeatureMatrix readFeatures(const std::string& path) {
     if (array.descr == "<f8") return featuresFromBytes(narrowDoubles(array.data, path), path);
     return featuresFromBytes(array.data, path);
   }
-  if (bytes.size() % kFeatureBytes != 0) {
-    throw ToolError(path +
-                    ": truncated: raw features are multiples of 3840 bytes (960 float32), "
-                    "the file has " +
-                    std::to_string(bytes.size()) + " bytes");
+  const std::string looksLike =
+      kind == FileKind::kOther ? "" : std::string(", it looks like ") + fileKindName(kind);
+  if (!isRawFeatureName(path)) {
+    throw ToolError(path + ": not a NumPy file" + looksLike +
+                    ": features are a NumPy float32 or float64 array of shape (N, 960), or raw "
+                    "float32 in a file named *.f32 or *.raw");
   }
-  return featuresFromBytes(bytes, path);
+  try {
+    if (bytes.size() % kFeatureBytes != 0) {
+      throw ToolError(path + ": " + std::to_string(bytes.size()) +
+                      " bytes do not divide into features of 3840 bytes (960 float32)");
+    }
+    FeatureMatrix features = featuresFromBytes(bytes, path);
+    for (int i = 0; i < features.rows(); ++i) {
+      double squares = 0;
+      for (int j = 0; j < kFeatureDim; ++j)
+        squares += double{features.row(i)[j]} * features.row(i)[j];
+      const double norm = std::sqrt(squares);
+      if (!(std::fabs(norm - 1) <= kRawNormTolerance)) {
+        char length[32];
+        std::snprintf(length, sizeof length, "%.4g", norm);
+        throw ToolError(path + ": feature " + std::to_string(i) + " has length " + length +
+                        ", not 1");
+      }
+    }
+    return features;
+  } catch (const ToolError& e) {
+    if (bytes.empty()) throw;
+    throw ToolError(e.what() + looksLike + "; " + kRawHint);
+  }
 }
 
 std::string encodeFeatures(const std::string& path, const FeatureMatrix& features) {
   std::string data;
   data.reserve(features.values.size() * sizeof(float));
   for (float value : features.values) appendLittleEndian(data, value);
-  if (!hasSuffix(path, ".npy")) return data;
+  if (isRawFeatureName(path)) return data;
   return encodeNpy("<f4", {static_cast<uint64_t>(features.rows()), kFeatureDim}, data);
 }
 

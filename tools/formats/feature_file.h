@@ -1,10 +1,15 @@
 // Feature files: what the subcommands read and write.
 //
-// Features are rows of 960 float32 values, in one of two layouts chosen by
-// the file name: "*.npy" is a NumPy array of dtype <f4 and shape (N, 960)
-// (or (960,) for one feature), or <f8 (NumPy's default), converted to float32
-// with a note on standard error; any other name is raw little-endian float32,
-// N * 960 values with nothing else in the file.
+// Features are rows of 960 float32 values, in one of two layouts. A file
+// that starts with the NumPy magic, whatever its name, is a NumPy array of
+// dtype <f4 and shape (N, 960) (or (960,) for one feature), or <f8 (NumPy's
+// default), converted to float32 with a note on standard error. Raw
+// little-endian float32, N * 960 values with nothing else in the file, is
+// read only from a file named *.f32 or *.raw, and only when every feature
+// has length 1 (within 1%), as the extractor writes them: bytes of any
+// other layout read as float32 are refused, not taken as features.
+// Writing follows the name: raw for *.f32 and *.raw, NumPy float32 for any
+// other.
 #ifndef XVKFC_TOOLS_FORMATS_FEATURE_FILE_H_
 #define XVKFC_TOOLS_FORMATS_FEATURE_FILE_H_
 
@@ -34,10 +39,18 @@ struct FeatureMatrix {
   }
 };
 
-// Reads a feature file (layout by name, see above). Throws ToolError naming
-// the file when it is missing, empty, of another dtype or shape, truncated,
-// or holds a value that is not finite.
+// True for the names raw features are read from and written to.
+bool isRawFeatureName(const std::string& path);
+
+// Reads a feature file (layout by content and name, see above). Throws
+// ToolError naming the file when it is missing, empty, of another dtype or
+// shape, truncated, not NumPy and not named as raw (saying what it looks
+// like), holds a value that is not finite, or is raw with a feature whose
+// length is not 1.
 FeatureMatrix readFeatures(const std::string& path);
+
+// The same for `bytes`, the content of a file named `path`.
+FeatureMatrix parseFeatures(const std::string& bytes, const std::string& path);
 
 // The file bytes of `features` in the layout that `path` names.
 std::string encodeFeatures(const std::string& path, const FeatureMatrix& features);

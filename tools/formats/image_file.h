@@ -4,10 +4,17 @@
 #ifndef XVKFC_TOOLS_FORMATS_IMAGE_FILE_H_
 #define XVKFC_TOOLS_FORMATS_IMAGE_FILE_H_
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
 namespace tool {
+
+// The most pixels a PNG or JPEG image may have: 2^27, a 16384 x 8192 image,
+// past every camera. Decoding takes about 12 bytes a pixel (RGB, luma as
+// double, the YUV planes), 1.5 GiB at this size; a few bytes of a JPEG
+// header can claim 2^48.
+inline constexpr size_t kMaxImagePixels = size_t{1} << 27;
 
 struct YuvImage {
   int width = 0, height = 0;
@@ -20,8 +27,10 @@ bool isCompressedImageName(const std::string& path);
 // Decodes the PNG or JPEG bytes `bytes` (named `source` in messages) and
 // converts them to planar YUV 4:2:0 with full-range BT.601 weights, the
 // inverse of the library's converter; chroma is the mean of each 2 x 2
-// block. Throws ToolError when the bytes are not a PNG or JPEG image.
-YuvImage decodeToYuv420(const std::string& bytes, const std::string& source);
+// block. Throws ToolError when the bytes are not a PNG or JPEG image, or
+// when the image has more than `maxPixels` pixels (checked before decoding).
+YuvImage decodeToYuv420(const std::string& bytes, const std::string& source,
+                        size_t maxPixels = kMaxImagePixels);
 
 }  // namespace tool
 

@@ -1,7 +1,5 @@
 #include "tools/formats/labels.h"
 
-#include <sstream>
-
 #include "tools/formats/atomic_file.h"
 #include "tools/formats/id_list.h"
 #include "tools/formats/npy.h"
@@ -10,27 +8,18 @@
 namespace tool {
 namespace {
 
-// True when every non-empty line of `text` holds exactly two words.
-bool isPairText(const std::string& text) {
-  std::istringstream lines(text);
-  std::string line;
-  bool any = false;
-  while (std::getline(lines, line)) {
-    std::istringstream words(line);
-    std::string word;
-    int count = 0;
-    while (words >> word) ++count;
-    if (count == 0) continue;
-    if (count != 2) return false;
-    any = true;
+// True when the list holds face id and label pairs: a NumPy array of shape
+// (N, 2), or text whose every line with numbers holds exactly two.
+bool holdsPairs(const std::string& bytes, const std::string& path) {
+  if (isNumpyList(bytes, path)) {
+    const NpyArray array = parseNpy(bytes, path);
+    return array.shape.size() == 2 && array.shape[1] == 2;
   }
-  return any;
-}
-
-bool isPairNpy(const std::string& path, const std::string& bytes) {
-  if (!hasSuffix(path, ".npy")) return false;
-  const NpyArray array = parseNpy(bytes, path);
-  return array.shape.size() == 2 && array.shape[1] == 2;
+  const std::vector<std::vector<int>> lines = parseIntTextLines(bytes, path, "labels");
+  for (const std::vector<int>& line : lines) {
+    if (line.size() != 2) return false;
+  }
+  return !lines.empty();
 }
 
 }  // namespace
@@ -47,14 +36,18 @@ std::map<int, int> identityOfFaces(const std::vector<int>& faceIds, const std::v
 }
 
 Labels readLabels(const std::string& path, const std::vector<int>& faceIds) {
-  const std::string bytes = readWholeFile(path);
+  return parseLabels(readWholeFile(path), path, faceIds);
+}
+
+Labels parseLabels(const std::string& bytes, const std::string& path,
+                   const std::vector<int>& faceIds) {
   Labels labels;
-  if (!(hasSuffix(path, ".npy") ? isPairNpy(path, bytes) : isPairText(bytes))) {
-    labels.identities = identityOfFaces(faceIds, readIntList(path, "labels"), path.c_str());
+  if (!holdsPairs(bytes, path)) {
+    labels.identities = identityOfFaces(faceIds, parseIntList(bytes, path, "labels"), path.c_str());
     return labels;
   }
   labels.keyedByFaceId = true;
-  const std::vector<int> values = readIntList(path, "labels", /*allowPairs=*/true);
+  const std::vector<int> values = parseIntList(bytes, path, "labels", /*allowPairs=*/true);
   for (size_t i = 0; i + 1 < values.size(); i += 2) {
     if (!labels.identities.emplace(values[i], values[i + 1]).second) {
       throw ToolError(path + ": face id " + std::to_string(values[i]) + " is labelled twice");

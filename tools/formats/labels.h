@@ -1,9 +1,12 @@
 // Known identities for measuring quality (--labels), in either of two
 // layouts:
 //  - one label per feature, in feature order: text with one integer per
-//    feature (whitespace-separated), or a .npy int array of shape (N,);
-//  - face id and label pairs: text whose every non-empty line holds exactly
-//    two integers "FACE_ID LABEL", or a .npy int array of shape (N, 2).
+//    feature, or a NumPy int array of shape (N,);
+//  - face id and label pairs: text whose every line with numbers holds
+//    exactly two integers "FACE_ID LABEL", or a NumPy int array of shape
+//    (N, 2).
+// Text and NumPy are read as id_list.h says (commas, '#' comments, whole
+// numbers written as floats).
 // Pairs need not be in any order and may name faces of earlier runs, so one
 // file can measure the whole gallery after any run.
 #ifndef XVKFC_TOOLS_FORMATS_LABELS_H_
@@ -30,6 +33,10 @@ Labels readLabels(const std::string& path, const std::vector<int>& faceIds);
 // labels file).
 std::map<int, int> identityOfFaces(const std::vector<int>& faceIds, const std::vector<int>& labels,
                                    const char* source);
+
+// The same for `bytes`, the content of a file named `path`.
+Labels parseLabels(const std::string& bytes, const std::string& path,
+                   const std::vector<int>& faceIds);
 
 }  // namespace tool
 

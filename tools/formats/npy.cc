@@ -3,6 +3,7 @@
 #include <cctype>
 #include <cstdint>
 
+#include "tools/formats/file_kind.h"
 #include "tools/tool_error.h"
 
 namespace tool {
@@ -94,7 +95,11 @@ size_t npyElementSize(const std::string& descr) {
 
 NpyArray parseNpy(const std::string& bytes, const std::string& source) {
   if (bytes.size() < kMagicLength + 4 || bytes.compare(0, kMagicLength, kMagic) != 0) {
-    throw ToolError(source + ": not a NumPy .npy file");
+    const FileKind kind = fileKindOf(bytes);
+    throw ToolError(source + ": not a NumPy .npy file" +
+                    (kind == FileKind::kOther
+                         ? std::string()
+                         : std::string(", it looks like ") + fileKindName(kind)));
   }
   const int major = static_cast<unsigned char>(bytes[kMagicLength]);
   const size_t lengthWidth = major == 1 ? 2 : 4;
