@@ -51,13 +51,11 @@ TEST(FeatureFileTest, ReadsWhatItWritesBitExactlyAndTheOtherLayouts) {
   EXPECT_EQ(readFeatures(folder.write("v2.npy", Npy(2, header, data))).rows(), 1);
 
   // float64 (NumPy's default) is rounded to float32.
-  std::string doubles;
-  for (int i = 0; i < kFeatureDim; ++i) {
-    const double value = i == 0 ? 0.1 : 1.0;
-    doubles.append(reinterpret_cast<const char*>(&value), 8);
-  }
-  const FeatureMatrix narrowed =
-      readFeatures(folder.write("f8.npy", encodeNpy("<f8", {1, 960}, doubles)));
+  std::vector<double> doubles(kFeatureDim, 1.0);
+  doubles[0] = 0.1;
+  const FeatureMatrix narrowed = readFeatures(folder.write(
+      "f8.npy", encodeNpy("<f8", {1, 960},
+                          std::string(reinterpret_cast<const char*>(doubles.data()), 7680))));
   ASSERT_EQ(narrowed.rows(), 1);
   EXPECT_EQ(narrowed.row(0)[0], 0.1f);
 

@@ -16,16 +16,9 @@ std::string decodeBase64(const std::string& text) {
       "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
   std::string out;
   uint32_t group = 0;
-  int bits = 0;
-  for (char c : text) {
-    const size_t value = kDigits.find(c);
-    if (value == std::string::npos) break;  // padding
-    group = (group << 6) | static_cast<uint32_t>(value);
-    bits += 6;
-    if (bits >= 8) {
-      bits -= 8;
-      out += static_cast<char>((group >> bits) & 0xff);
-    }
+  for (size_t i = 0, value; i < text.size() && (value = kDigits.find(text[i])) != text.npos; ++i) {
+    group = (group << 6) | static_cast<uint32_t>(value);  // stops at the padding
+    if (i % 4) out += static_cast<char>((group >> (6 - 2 * (i % 4))) & 0xff);
   }
   return out;
 }
@@ -53,12 +46,9 @@ std::vector<InlineImage> inlineImages(const std::string& html) {
     unsigned char* pixels = stbi_load_from_memory(
         reinterpret_cast<const unsigned char*>(png.data()), static_cast<int>(png.size()),
         &image.width, &image.height, &channels, 3);
-    if (pixels != nullptr) {
-      image.rgb.assign(pixels, pixels + static_cast<size_t>(image.width) * image.height * 3);
-      stbi_image_free(pixels);
-    } else {
-      image.width = image.height = 0;
-    }
+    if (pixels == nullptr) image.width = image.height = 0;
+    image.rgb.assign(pixels, pixels + static_cast<size_t>(image.width) * image.height * 3);
+    stbi_image_free(pixels);
     images.push_back(std::move(image));
   }
   return images;
@@ -74,7 +64,7 @@ std::string htmlProblem(const std::string& html) {
     if (image.width != image.declaredWidth || image.height != image.declaredHeight)
       return "an inline image is not declared at its own size";
   }
-  static const std::set<std::string> kVoid = {"meta", "img", "br", "hr", "link", "input"};
+  static const std::set<std::string> kVoid = {"meta", "img"};
   std::vector<std::string> open;
   for (size_t at = html.find('<', 1); at != std::string::npos; at = html.find('<', at + 1)) {
     const bool closing = html[at + 1] == '/';

@@ -2,27 +2,15 @@
 
 #include <gtest/gtest.h>
 #include <sys/wait.h>
-#include <unistd.h>
 
-#include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <sstream>
+
+#include "tools/formats/atomic_file.h"
 
 namespace tool_test {
-namespace {
-
-std::string readBackAndClose(FILE* file) {
-  std::string text;
-  std::rewind(file);
-  char buffer[4096];
-  for (size_t n; (n = std::fread(buffer, 1, sizeof buffer, file)) > 0;) text.append(buffer, n);
-  std::fclose(file);
-  return text;
-}
-
-}  // namespace
 
 TempFolder::TempFolder() : path_(testing::TempDir() + "xvkfc_tool_XXXXXX") {
   if (mkdtemp(path_.data()) == nullptr) ADD_FAILURE() << "mkdtemp failed";
@@ -41,32 +29,19 @@ int TempFolder::entries() const {
 }
 
 ProcessResult runProgram(const std::vector<std::string>& args) {
-  std::vector<std::string> command;
-  std::istringstream emulator(XVKFC_EMULATOR);
-  for (std::string word; emulator >> word;) command.push_back(word);
-  command.push_back(XVKFC_PROGRAM);
-  command.insert(command.end(), args.begin(), args.end());
-
-  FILE* out = std::tmpfile();
-  FILE* err = std::tmpfile();
-  const pid_t pid = fork();
-  if (pid == 0) {
-    dup2(fileno(out), STDOUT_FILENO);
-    dup2(fileno(err), STDERR_FILENO);
-    std::vector<char*> argv;
-    for (std::string& word : command) argv.push_back(word.data());
-    argv.push_back(nullptr);
-    execvp(argv[0], argv.data());
-    _exit(127);
+  std::string command = XVKFC_EMULATOR " '" XVKFC_PROGRAM "'";
+  for (const std::string& arg : args) {  // each word in single quotes, a quote as '\''
+    command += " '";
+    for (char c : arg) command += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    command += "'";
   }
-  ProcessResult result;
-  int status = 0;
-  if (pid > 0 && waitpid(pid, &status, 0) == pid && WIFEXITED(status)) {
-    result.exitCode = WEXITSTATUS(status);
-  }
-  result.out = readBackAndClose(out);
-  result.err = readBackAndClose(err);
-  return result;
+  const TempFolder streams;
+  const int status =
+      std::system((command + " >" + streams.path("out") + " 2>" + streams.path("err")).c_str());
+  // The shell reports a signal as 128 and more.
+  const bool exited = WIFEXITED(status) && WEXITSTATUS(status) < 128;
+  return {exited ? WEXITSTATUS(status) : -1, tool::readWholeFile(streams.path("out")),
+          tool::readWholeFile(streams.path("err"))};
 }
 
 }  // namespace tool_test

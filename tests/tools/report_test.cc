@@ -36,8 +36,8 @@ ReportData Sample(const std::vector<int>& scores, const std::map<int, int>& iden
 TEST(ClusterOrderTest, ClustersFirstThenUnclusteredThenTheRest) {
   // Rows hold face ids 10..15; 99 has no features here (an earlier run's face).
   const std::vector<int> faceIds = {10, 11, 12, 13, 14, 15};
-  const std::vector<ClusterRecord> clusters = {Cluster(-1, {14}), Cluster(0, {12, 99, 10}),
-                                               {1, {13, 11, 12}, 11, {}}};
+  const std::vector<ClusterRecord> clusters = {
+      Cluster(-1, {14}), Cluster(0, {12, 99, 10}), {1, {13, 11, 12}, 11, {}}};
   const ClusterOrder order = orderByCluster(clusters, faceIds);
   // Face 12 is shown with the first cluster that lists it; 15 is in none.
   EXPECT_EQ(order.rows, (std::vector<int>{2, 0, 3, 1, 4, 5}));
@@ -71,15 +71,11 @@ TEST(ReportTest, WellFormedEscapedPageWithAHeatMapInClusterOrderAndClustersOutli
   ASSERT_EQ(heat.width, heat.height);
   ASSERT_EQ(heat.width % 6, 0);
   const int cell = heat.width / 6;
-  auto pixel = [&](int x, int y) {
-    const uint8_t* p = &heat.rgb[(static_cast<size_t>(y) * heat.width + x) * 3];
-    return std::vector<int>{p[0], p[1], p[2]};
-  };
   for (int i = 0; i < 6; ++i) {
     for (int j = 0; j < 6; ++j) {
       const Rgb expected = heatColor(data.view.similarities[i * 6 + j]);  // in cluster order
-      EXPECT_EQ(pixel(j * cell + cell / 2, i * cell + cell / 2),
-                (std::vector<int>{expected.r, expected.g, expected.b}))
+      const uint8_t* p = &heat.rgb[((i * cell + cell / 2) * heat.width + j * cell + cell / 2) * 3];
+      EXPECT_EQ(std::tie(p[0], p[1], p[2]), std::tie(expected.r, expected.g, expected.b))
           << i << "," << j;
     }
   }
