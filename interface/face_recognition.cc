@@ -4,7 +4,7 @@
 #include "LandmarkInterface.h"
 #include "clustering/face_clustering_system.h"
 #include "clustering/thresholds.h"
-#include "interface/public_call.h"
+#include "platform/call_boundary.h"
 #include "platform/log.h"
 
 char itf_FACE_SOLUTION_Version[1000] = "__ITF__FACESOLUTION__Version : 2016.11.24(M)";

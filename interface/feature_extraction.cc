@@ -10,7 +10,7 @@
 #include "clustering/thresholds.h"
 #include "interface/face_recognition.h"
 #include "interface/handle_readiness.h"
-#include "interface/public_call.h"
+#include "platform/call_boundary.h"
 #include "interface/yuv_convert.h"
 #include "numeric/score_scale.h"
 #include "platform/landmarks.h"

@@ -6,7 +6,7 @@
 
 #include "clustering/face_clustering_system.h"
 #include "interface/face_recognition.h"
-#include "interface/public_call.h"
+#include "platform/call_boundary.h"
 #include "platform/log.h"
 
 namespace detail {

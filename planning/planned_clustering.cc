@@ -9,7 +9,7 @@
 #include "interface/face_recognition.h"
 #include "interface/handle_support.h"
 #include "planning/current_clusters.h"
-#include "planning/guarded_call.h"
+#include "platform/call_boundary.h"
 #include "planning/plan_with_links.h"
 #include "platform/log.h"
 
@@ -204,7 +204,7 @@ int clusterInPlannedRuns(FaceRecognition* handle, const float* features, const i
                          itf_xvk_clusterinfo* result, PlannedClusteringStats* stats,
                          const std::function<void(const PlannedRunInfo&)>& observe,
                          const PlannedProgress& progress) {
-  return detail::guardPlanningCall("clusterInPlannedRuns", -1, [&] {
+  return detail::guardPublicCall("clusterInPlannedRuns", -1, [&] {
     const char* why = rejection(handle, features, faceIds, count, runSize, maxRounds, result);
     if (why == nullptr) why = malformed(existing);
     if (why != nullptr) {

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "interface/handle_support.h"
-#include "planning/guarded_call.h"
+#include "platform/call_boundary.h"
 #include "planning/plan_with_links.h"
 #include "platform/log.h"
 
@@ -166,7 +166,7 @@ int planWithLinks(FaceRecognition& handle, float* rows, int count, int runSize,
 
 int planFaceRuns(FaceRecognition* handle, const float* features, int count, int runSize,
                  RunPlan* plan) {
-  return detail::guardPlanningCall("planFaceRuns", -1, [&] {
+  return detail::guardPublicCall("planFaceRuns", -1, [&] {
     const char* why = nullptr;
     if (handle == nullptr) {
       why = "null handle";

@@ -1,6 +1,7 @@
-// The boundary of every itf_xvk_* operation.
-#ifndef XVKFC_INTERFACE_PUBLIC_CALL_H_
-#define XVKFC_INTERFACE_PUBLIC_CALL_H_
+// The no-exception boundary of every exported operation: the itf_xvk_*
+// operations and those built on them (planned runs).
+#ifndef XVKFC_PLATFORM_CALL_BOUNDARY_H_
+#define XVKFC_PLATFORM_CALL_BOUNDARY_H_
 
 #include <exception>
 #include <utility>
@@ -27,4 +28,4 @@ Result guardPublicCall(const char* operation, Result failure, Body&& body) {
 
 }  // namespace detail
 
-#endif  // XVKFC_INTERFACE_PUBLIC_CALL_H_
+#endif  // XVKFC_PLATFORM_CALL_BOUNDARY_H_
