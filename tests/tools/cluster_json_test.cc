@@ -49,12 +49,17 @@ TEST(ClusterJsonTest, RoundTripKeepsEveryFloatBitTheBucketSharedFacesAndFeatureD
 
 TEST(ClusterJsonTest, RejectsMalformedDocumentsWithTheReason) {
   const std::string feature = R"("representative_feature": )" + Feature(kFeatureDim);
-  auto one = [](const std::string& fields) { return R"({"clusters": [{)" + fields + "}]}"; };
+  auto one = [](const std::string& fields) {
+    return R"({"format": "xvkfc-clusters", "clusters": [{)" + fields + "}]}";
+  };
   const struct {
     std::string json, expected;
   } cases[] = {
       {R"([1, 2])", "no \"clusters\" array"},
       {R"({"format": "other", "clusters": []})", "(format \"other\", expected"},
+      {R"({"clusters": []})", "no \"format\": a clusters file starts"},
+      {R"({"format": "xvkfc-clusters", "feature_dim": 128, "clusters": []})",
+       "\"feature_dim\" must be 960"},
       {R"({"format": "xvkfc-clusters", "version": 2, "clusters": []})", "version 2 is newer"},
       {one(R"("cluster_id": 0.5, "face_ids": [1])"), "\"cluster_id\" must be an integer"},
       {one(R"("cluster_id": 4294967296, "face_ids": [1])"), "must be an integer"},
@@ -67,9 +72,8 @@ TEST(ClusterJsonTest, RejectsMalformedDocumentsWithTheReason) {
            R"("representative_feature": )" +
            Feature(959)),
        "array of 960 numbers"},
-      {R"({"clusters": [{"cluster_id": 2, "face_ids": [1], "representative_face_id": 1, )" +
-           feature + R"(}, {"cluster_id": 2, "face_ids": [5], "representative_face_id": 5, )" +
-           feature + "}]}",
+      {one(R"("cluster_id": 2, "face_ids": [1], "representative_face_id": 1, )" + feature +
+           R"(}, {"cluster_id": 2, "face_ids": [5], "representative_face_id": 5, )" + feature),
        "cluster 1: duplicate cluster id 2"},
   };
   for (const auto& c : cases) {

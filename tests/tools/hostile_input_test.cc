@@ -104,7 +104,7 @@ TEST_F(HostileInputTest, InputsPastTheirLimitsAreRefused) {
   auto clusterWith = [](const std::string& first) {
     std::string feature = "[" + first;
     for (int i = 1; i < kFeatureDim; ++i) feature += ",0";
-    return R"({"clusters": [{"cluster_id": 0, "face_ids": [1], "representative_face_id": 1, )"
+    return R"({"format": "xvkfc-clusters", "clusters": [{"cluster_id": 0, "face_ids": [1], "representative_face_id": 1, )"
            R"("representative_feature": )" +
            feature + "]}]}";
   };

@@ -67,7 +67,7 @@ TEST_F(ProgramTest, BadInputGivesOneLineAndLeavesNoOutput) {
       folder_.write("two.npy", encodeFeatures("x.npy", FeatureMatrix{std::vector<float>(2 * 960)}));
   folder_.write("short.raw", std::string(3839, '\0'));
   folder_.write("broken.json", "{\"clusters\": [");
-  folder_.write("bucket.json", R"({"clusters": [{"cluster_id": -1, "face_ids": [1]}]})");
+  folder_.write("bucket.json", R"({"format": "xvkfc-clusters", "clusters": [{"cluster_id": -1, "face_ids": [1]}]})");
   const std::string ids = folder_.write("ids.txt", "1 2");
   const std::string labels = folder_.write("labels.txt", "7");
   const std::string strangers = folder_.write("strangers.txt", "98 1\n99 2");

@@ -94,16 +94,26 @@ ClusterRecord parseCluster(const json& cluster, const std::string& where) {
   return record;
 }
 
-// Refuses a document of another format, or of a version newer than this
-// program writes: a newer writer may have added meaning this reader would
-// drop. A file without the two fields (hand-written) is read as version 1.
+// Refuses a document without this format's name or of another format, one
+// whose features are not 960 floats, or of a version newer than this program
+// writes: a newer writer may have added meaning this reader would drop. A
+// file without "version" is read as version 1.
 void checkFormat(const json& document, const std::string& source) {
   if (!document.is_object()) return;  // reported as a missing "clusters" array
   const auto format = document.find("format");
-  if (format != document.end() && *format != kFormat) {
+  if (format == document.end()) {
+    throw ToolError(source + ": no \"format\": a clusters file starts {\"format\": \"" + kFormat +
+                    "\", \"clusters\": [...]}");
+  }
+  if (*format != kFormat) {
     throw ToolError(source + ": not a clusters file (format " +
                     format->dump(-1, ' ', false, json::error_handler_t::replace) + ", expected \"" +
                     kFormat + "\")");
+  }
+  const auto dim = document.find("feature_dim");
+  if (dim != document.end() && *dim != kFeatureDim) {
+    throw ToolError(source + ": \"feature_dim\" must be " + std::to_string(kFeatureDim) +
+                    ", the floats in one of the library's features");
   }
   const auto version = document.find("version");
   if (version == document.end()) return;
