@@ -25,24 +25,10 @@
 
 #include "interface/face_recognition.h"
 #include "planning/planned_clustering.h"
+#include "counted_comparator.h"
 #include "evaluation/quality.h"
 #include "evaluation/synthetic_gallery.h"
 #include "interface/handle_support.h"
-
-class CFRecogInterface;
-
-namespace {
-int64_t comparatorCalls = 0;
-}  // namespace
-
-// CFRecogInterface::RunComparison(float*, float*), counted.
-extern "C" float __real__ZN16CFRecogInterface13RunComparisonEPfS0_(CFRecogInterface*, float*,
-                                                                   float*);
-extern "C" float __wrap__ZN16CFRecogInterface13RunComparisonEPfS0_(CFRecogInterface* self, float* a,
-                                                                   float* b) {
-  ++comparatorCalls;
-  return __real__ZN16CFRecogInterface13RunComparisonEPfS0_(self, a, b);
-}
 
 namespace {
 
@@ -101,8 +87,9 @@ int importAndReport(int faces) {
   handle.itf_xvk_releaseClusterInfo(&result);
   handle.itf_xvk_Release();
   const double allPairs = 0.5 * n * (n - 1.0);
+  const long long calls = bench::comparatorCalls();
   std::printf("| %6d | %6d | %12lld | %6.2f%% | %8.1f | %6.0f | %.3f / %.3f / %.3f | %.3f / %.3f / %.3f |\n",
-              n, people, static_cast<long long>(comparatorCalls), 100.0 * comparatorCalls / allPairs,
+              n, people, calls, 100.0 * calls / allPairs,
               seconds, usage.ru_maxrss / 1024.0, q.pairwise.precision, q.pairwise.recall, q.pairwise.f,
               q.bcubed.precision, q.bcubed.recall, q.bcubed.f);
   std::fflush(stdout);

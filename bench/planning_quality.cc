@@ -25,21 +25,7 @@
 #include "interface/face_recognition.h"
 #include "interface/handle_support.h"
 #include "planning/planned_clustering.h"
-
-class CFRecogInterface;
-
-namespace {
-int64_t comparatorCalls = 0;
-}  // namespace
-
-// CFRecogInterface::RunComparison(float*, float*), counted.
-extern "C" float __real__ZN16CFRecogInterface13RunComparisonEPfS0_(CFRecogInterface*, float*,
-                                                                   float*);
-extern "C" float __wrap__ZN16CFRecogInterface13RunComparisonEPfS0_(CFRecogInterface* self, float* a,
-                                                                   float* b) {
-  ++comparatorCalls;
-  return __real__ZN16CFRecogInterface13RunComparisonEPfS0_(self, a, b);
-}
+#include "counted_comparator.h"
 
 namespace {
 
@@ -72,7 +58,7 @@ double secondsSince(std::chrono::steady_clock::time_point start) {
 Outcome runInOrder(FaceRecognition& handle, const evaluation::Gallery& gallery,
                    const std::vector<int>& order, int runSize) {
   Outcome outcome;
-  const int64_t callsBefore = comparatorCalls;
+  const int64_t callsBefore = bench::comparatorCalls();
   const auto start = std::chrono::steady_clock::now();
   itf_xvk_clusterinfo current{0, nullptr};
   for (std::size_t begin = 0; begin < order.size(); begin += runSize) {
@@ -87,7 +73,7 @@ Outcome runInOrder(FaceRecognition& handle, const evaluation::Gallery& gallery,
     ++outcome.runs;
   }
   outcome.seconds = secondsSince(start);
-  outcome.calls = comparatorCalls - callsBefore;
+  outcome.calls = bench::comparatorCalls() - callsBefore;
   recordResult(current, gallery, outcome);
   handle.itf_xvk_releaseClusterInfo(&current);
   return outcome;
@@ -96,7 +82,7 @@ Outcome runInOrder(FaceRecognition& handle, const evaluation::Gallery& gallery,
 Outcome runPlanned(FaceRecognition& handle, const evaluation::Gallery& gallery, int runSize,
                    int rounds) {
   Outcome outcome;
-  const int64_t callsBefore = comparatorCalls;
+  const int64_t callsBefore = bench::comparatorCalls();
   const auto start = std::chrono::steady_clock::now();
   itf_xvk_clusterinfo result{0, nullptr};
   PlannedClusteringStats stats;
@@ -106,7 +92,7 @@ Outcome runPlanned(FaceRecognition& handle, const evaluation::Gallery& gallery, 
     std::exit(1);
   }
   outcome.seconds = secondsSince(start);
-  outcome.calls = comparatorCalls - callsBefore;
+  outcome.calls = bench::comparatorCalls() - callsBefore;
   recordResult(result, gallery, outcome);
   outcome.runs = stats.runs;
   outcome.rounds = stats.rounds;
