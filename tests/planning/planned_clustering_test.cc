@@ -70,6 +70,12 @@ TEST_F(PlannedClustering, NewFacesJoinTheClustersTheyMatch) {
   rounds = 1;  // face 50 is still pending, but no second round
   ASSERT_EQ(Import(tags, &existing, 12), 5);
   EXPECT_EQ(stats.rounds, 1);
+  // A cluster handed out without a representative (featureDim 0) is taken
+  // over with its faces but never compared: 104 no longer joins it.
+  existingItems[0].featureDim = 0;
+  existingItems[0].feature = nullptr;
+  ASSERT_EQ(Import(tags, &existing, 12), 5);
+  EXPECT_EQ(MembersOf(0), (Ids{100, 101}));
 }
 
 // Stopped after the second of three runs: the first run's clusters (with the
