@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <map>
 
 #include "support/ready_handle.h"
@@ -47,6 +48,18 @@ TEST(Refinement, PruningExaminesEachFaceOnceInOrder) {
   EXPECT_EQ(e.clusters.at(-1).id, -1);
   EXPECT_EQ(e.clusters.at(1).id, 1);
   for (int i = 0; i < 13; ++i) EXPECT_EQ(e.faces[i].clusterId, i == 12 ? 77 : expected[i]);
+}
+
+// A face stays when its best similarity to the rest reaches the threshold
+// plus 0.05 exactly, and leaves one float below it.
+TEST(Refinement, PruningKeepsAFaceWhoseBestPairIsExactlyTheBound) {
+  const float bound = 0.7f + 0.05f;
+  for (const float best : {bound, std::nextafter(bound, 0.0f)}) {
+    Engine e(pairKernel(4, 0.9f, {{0, 1, best}, {0, 2, best}, {0, 3, best}}));
+    Vec<int> labels = {0, 0, 0, 0};
+    e.refineClustering(labels, Mat<int>(), 0.7f, false);
+    EXPECT_EQ(labels, (best == bound ? Vec<int>{0, 0, 0, 0} : Vec<int>{-1, 0, 0, 0})) << best;
+  }
 }
 
 TEST(Refinement, RecoversInterleavedBlocksFromOneCluster) {
