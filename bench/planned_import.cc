@@ -25,6 +25,7 @@
 
 #include "interface/face_recognition.h"
 #include "planning/planned_clustering.h"
+#include "bench_gallery.h"
 #include "counted_comparator.h"
 #include "evaluation/quality.h"
 #include "evaluation/synthetic_gallery.h"
@@ -34,28 +35,6 @@ namespace {
 
 double maxNoise = 1.2;
 
-// The one place the gallery is made: people of 2 to 8 faces (about 5), one
-// lone face per 20 faces, one duplicate per 100, same-person cosine about
-// 0.41 (noise 1.2) to 0.92 (noise 0.3); shuffled and cut to `faces` rows.
-evaluation::Gallery importGallery(int faces) {
-  evaluation::GalleryOptions options;
-  options.seed = 20261123;
-  options.people = faces / 5;
-  options.minFaces = 2;
-  options.maxFaces = 8;
-  options.lookAlikes = 0;
-  options.loneFaces = faces / 20;
-  options.duplicates = faces / 100;
-  options.minNoise = 0.3;
-  options.maxNoise = maxNoise;
-  evaluation::Gallery all = evaluation::makeGallery(options);
-  const std::size_t rows = std::min<std::size_t>(faces, all.faceIds.size());
-  all.features.resize(rows * xvkfc::kFeatureDim);
-  all.faceIds.resize(rows);
-  all.identities.resize(rows);
-  return all;
-}
-
 double cpuSeconds() {
   timespec t{};
   clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &t);
@@ -64,7 +43,7 @@ double cpuSeconds() {
 
 // Imports a gallery of `faces` faces and prints its table row.
 int importAndReport(int faces) {
-  const evaluation::Gallery gallery = importGallery(faces);
+  const evaluation::Gallery gallery = bench::benchGallery(faces, maxNoise);
   const int n = static_cast<int>(gallery.faceIds.size());
   const int people = static_cast<int>(
       std::set<int>(gallery.identities.begin(), gallery.identities.end()).size());

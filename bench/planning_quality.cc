@@ -25,6 +25,7 @@
 #include "interface/face_recognition.h"
 #include "interface/handle_support.h"
 #include "planning/planned_clustering.h"
+#include "bench_gallery.h"
 #include "counted_comparator.h"
 
 namespace {
@@ -112,25 +113,8 @@ void printRow(const char* name, const Outcome& outcome, const evaluation::Galler
   std::fflush(stdout);
 }
 
-// A gallery of `faces` faces: people of 2 to 8 faces each (about 5), one
-// lone face per 20 faces, a few look-alikes and duplicates, and a wide spread
-// of same-person similarity; shuffled and cut to exactly `faces` rows.
 double maxNoise = 0.9;
 int lookAlikesPer100People = 0;
-
-evaluation::Gallery benchGallery(int faces) {
-  evaluation::GalleryOptions options;
-  options.seed = 20261123;
-  options.people = faces / 5;
-  options.minFaces = 2;
-  options.maxFaces = 8;
-  options.lookAlikes = options.people * lookAlikesPer100People / 100;
-  options.loneFaces = faces / 20;
-  options.duplicates = faces / 100;
-  options.minNoise = 0.3;
-  options.maxNoise = maxNoise;
-  return evaluation::firstFaces(evaluation::makeGallery(options), faces);
-}
 
 }  // namespace
 
@@ -161,7 +145,7 @@ int main(int argc, char** argv) {
     return 1;
   }
   for (int faces : sizes) {
-    const evaluation::Gallery gallery = benchGallery(faces);
+    const evaluation::Gallery gallery = bench::benchGallery(faces, maxNoise, lookAlikesPer100People);
     const int people = static_cast<int>(
         std::set<int>(gallery.identities.begin(), gallery.identities.end()).size());
     std::printf(
