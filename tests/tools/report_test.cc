@@ -2,8 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <tuple>
 
+#include "evaluation/synthetic_gallery.h"
 #include "html_check.h"
 #include "tools/report/charts.h"
 #include "tools/report/cluster_doubts.h"
@@ -113,6 +115,57 @@ TEST(ReportTest, ClustersToDoubtAreMarkedAndListedFirst) {
   ASSERT_NE(doubted, std::string::npos);
   EXPECT_LT(doubted, html.find("<tr><td>0</td>"));
   EXPECT_NE(html.find("<rect class=\"doubt\" x=\"2\""), std::string::npos);  // in the picture too
+}
+
+// Past a few hundred clusters the nearest clusters are found by profiles;
+// on a seeded gallery with look-alikes that must mark the same clusters and
+// find the same close matches as scoring every representative, for far
+// fewer comparisons.
+TEST(ReportTest, ProfileSearchFindsWhatScoringEveryClusterFinds) {
+  evaluation::GalleryOptions options;
+  options.seed = 7;
+  options.people = 320;
+  options.minFaces = 2;
+  options.maxFaces = 3;
+  options.lookAlikes = 80;
+  options.loneFaces = 60;
+  options.duplicates = 0;
+  const evaluation::Gallery gallery = evaluation::makeGallery(options);
+  // A cluster per person, but every fifth face left unclustered.
+  std::map<int, std::vector<int>> faces;  // person -> faces; -1: unclustered
+  for (int row = 0; row < gallery.faces(); ++row) {
+    const int person = gallery.identities[row];
+    faces[person >= options.people || row % 5 == 0 ? -1 : person].push_back(gallery.faceIds[row]);
+  }
+  std::vector<ClusterRecord> clusters;
+  for (const auto& [person, ids] : faces) clusters.push_back(Cluster(person, ids));
+  const ClusterOrder order = orderByCluster(clusters, gallery.faceIds);
+  ASSERT_GT(order.blocks.size(), size_t{kExhaustiveClusters});
+  // A cheap stand-in for the library's score: the cosine estimated from
+  // every fourth float, on the 0..1023 scale.
+  const RowScore score = [&](int a, int b) {
+    const float* x = gallery.row(a);
+    const float* y = gallery.row(b);
+    float dot = 0.0f;
+    for (int k = 0; k < kFeatureDim; k += 4) dot += x[k] * y[k];
+    return static_cast<int>(std::lround(511.5 * (1.0 + 4 * dot)));
+  };
+
+  const GalleryFigures byProfile =
+      measureGallery(order, gallery.faceIds, {}, 0.74, 10, score, NearSearch::kAuto);
+  const GalleryFigures everyCluster =
+      measureGallery(order, gallery.faceIds, {}, 0.74, 10, score, NearSearch::kExhaustive);
+  EXPECT_LT(byProfile.comparisons, everyCluster.comparisons / 2);
+  int marked = 0;
+  for (size_t b = 0; b < order.blocks.size(); ++b) {
+    EXPECT_EQ(byProfile.clusters[b].doubts, everyCluster.clusters[b].doubts) << b;
+    marked += !everyCluster.clusters[b].doubts.empty();
+  }
+  EXPECT_GT(marked, 10);
+  ASSERT_EQ(byProfile.closeMatches.size(), everyCluster.closeMatches.size());
+  EXPECT_GT(everyCluster.closeMatches.size(), 50u);
+  for (size_t i = 0; i < everyCluster.closeMatches.size(); ++i)
+    EXPECT_EQ(byProfile.closeMatches[i].faceId, everyCluster.closeMatches[i].faceId) << i;
 }
 
 }  // namespace

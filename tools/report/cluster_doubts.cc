@@ -19,29 +19,11 @@ std::string twoPlaces(const char* format, double value) {
   return text;
 }
 
-// Keeps the k highest-scored blocks offered, the highest first.
-class NearestBlocks {
- public:
-  explicit NearestBlocks(size_t k) : k_(k) {}
-  void offer(int score, int block) {
-    if (best_.size() == k_ && score <= best_.back().first) return;
-    best_.insert(std::upper_bound(best_.begin(), best_.end(), std::make_pair(score, block),
-                                  [](const auto& a, const auto& b) { return a.first > b.first; }),
-                 {score, block});
-    if (best_.size() > k_) best_.pop_back();
-  }
-  const std::vector<std::pair<int, int>>& best() const { return best_; }
-
- private:
-  size_t k_;
-  std::vector<std::pair<int, int>> best_;
-};
-
 }  // namespace
 
 GalleryFigures measureGallery(const ClusterOrder& order, const std::vector<int>& faceIds,
                               const std::map<int, int>& identities, double level, size_t maxPairs,
-                              const RowScore& countedScore) {
+                              const RowScore& countedScore, NearSearch search) {
   GalleryFigures out;
   const RowScore score = [&](int a, int b) {
     ++out.comparisons;
@@ -61,15 +43,7 @@ GalleryFigures measureGallery(const ClusterOrder& order, const std::vector<int>&
     return best;
   };
 
-  // Inside each cluster, and its nearest clusters by representative.
-  std::vector<NearestBlocks> near(blocks, NearestBlocks(kNearestClusters));
-  for (size_t b = 0; b < blocks; ++b) {
-    for (size_t d = b + 1; d < blocks; ++d) {
-      const int s = score(order.repRows[b], order.repRows[d]);
-      near[b].offer(s, static_cast<int>(d));
-      near[d].offer(s, static_cast<int>(b));
-    }
-  }
+  const NearClusters nearClusters(order.repRows, score, search);
   out.clusters.resize(blocks);
   for (size_t b = 0; b < blocks; ++b) {
     ClusterFigures& f = out.clusters[b];
@@ -89,7 +63,7 @@ GalleryFigures measureGallery(const ClusterOrder& order, const std::vector<int>&
     }
     const double pairs = 0.5 * f.faces * (f.faces - 1);
     if (pairs > 0) f.meanInside = sum / pairs;
-    for (const auto& [unused, d] : near[b].best()) {
+    for (const auto& [unused, d] : nearClusters.nearest(order.repRows[b], static_cast<int>(b))) {
       for (auto i = first; i != last; ++i) {
         const double s = kernelValue(bestIn(*i, d).first);
         if (s > f.bestOther) {
@@ -114,10 +88,8 @@ GalleryFigures measureGallery(const ClusterOrder& order, const std::vector<int>&
   const size_t n = order.rows.size();
   for (size_t u = order.clustered; u < n; ++u) {
     const int row = order.rows[u];
-    NearestBlocks nearest(kNearestClusters);
-    for (size_t b = 0; b < blocks; ++b) nearest.offer(score(row, order.repRows[b]), int(b));
     CloseMatch best;
-    for (const auto& [unused, b] : nearest.best()) {
+    for (const auto& [unused, b] : nearClusters.nearest(row, -1)) {
       const auto [s, match] = bestIn(row, b);
       if (kernelValue(s) > best.similarity)
         best = {faceIds[row], faceIds[match], order.blockIds[b], kernelValue(s)};

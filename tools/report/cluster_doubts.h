@@ -9,13 +9,10 @@
 #include <string>
 #include <vector>
 
+#include "tools/report/near_clusters.h"
 #include "tools/report/similarity_view.h"
 
 namespace tool {
-
-// Clusters whose representatives are nearest a face (or another cluster's
-// representative): the only ones whose members it is compared with.
-inline constexpr int kNearestClusters = 5;
 
 // Similarities here are the engine's kernel values, 0..1: a score of the
 // 0..1023 scale divided by 1023 (within 0.001 of the kernel value).
@@ -57,13 +54,14 @@ struct GalleryFigures {
 // level 0.69, a mean inside below it, a face of a near cluster at `level`
 // (the best-pair merge level 0.74) or more, and, when `identities` are
 // known, more than one identity. Every unclustered face is matched against
-// the members of its kNearestClusters nearest clusters; pairs of unclustered
+// the members of its kNearestClusters nearest clusters (by representative,
+// found as `search` says); pairs of unclustered
 // faces are sought among the faces that share one of their two nearest
 // reference faces (every k-th unclustered face, k about the square root of
 // their count), so a pair far from every reference face may be missed.
 GalleryFigures measureGallery(const ClusterOrder& order, const std::vector<int>& faceIds,
                               const std::map<int, int>& identities, double level, size_t maxPairs,
-                              const RowScore& score);
+                              const RowScore& score, NearSearch search = NearSearch::kAuto);
 
 }  // namespace tool
 
