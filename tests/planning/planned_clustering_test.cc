@@ -21,9 +21,12 @@ class PlannedClustering : public testing_support::ReadyHandle {
              const PlannedProgress& progress = nullptr) {
     handle.itf_xvk_releaseClusterInfo(&result);
     const std::vector<float> rows = taggedFeatures(order);
+    runsSeen.clear();
+    const auto observe = [&](const PlannedRunInfo& run) {
+      runsSeen.push_back({run.round, run.run, run.runsInRound, run.faceCount});
+    };
     return clusterInPlannedRuns(&handle, rows.data(), order.data(), static_cast<int>(order.size()),
-                                existing, runSize, rounds, &result, &stats, nullptr,
-                                progress);
+                                existing, runSize, rounds, &result, &stats, observe, progress);
   }
   // Every face once, and which faces share a cluster: sorted face lists,
   // the bucket first.
@@ -50,6 +53,7 @@ class PlannedClustering : public testing_support::ReadyHandle {
   itf_xvk_clusterinfo existing{2, existingItems};
   PlannedClusteringStats stats;
   int rounds = kDefaultRounds;
+  std::vector<Ids> runsSeen;  // round, run, runs in the round, faces
 };
 
 // Runs of 12 faces: people 1 and 2, then person 3, then the lone faces 50
@@ -60,6 +64,7 @@ TEST_F(PlannedClustering, NewFacesJoinTheClustersTheyMatch) {
   ASSERT_EQ(Import(tags, &existing, 12), 5);
   EXPECT_EQ(stats.rounds, 2);  // round 2 clusters nothing
   EXPECT_EQ(stats.runs, 4);
+  EXPECT_EQ(runsSeen, (std::vector<Ids>{{1, 1, 3, 12}, {1, 2, 3, 6}, {1, 3, 3, 2}, {2, 1, 1, 1}}));
   EXPECT_EQ(ClusterIds(), (Ids{-1, 0, 1, 2, 3}));
   EXPECT_EQ(MembersOf(-1), (Ids{200, 50}));
   EXPECT_EQ(MembersOf(0), (Ids{100, 101, 104}));
