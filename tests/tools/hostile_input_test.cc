@@ -6,7 +6,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <limits>
 
 #include "evaluation/synthetic_gallery.h"
 #include "process.h"
@@ -35,24 +34,15 @@ class HostileInputTest : public testing::Test {
   tool_test::TempFolder folder_;
 };
 
-// A batch size at or above the face count is one run; one past int is a
-// command-line mistake.
+// A batch size at or above the face count, up to the largest int, is one run.
 TEST_F(HostileInputTest, BatchSizesPastTheFaceCountAreOneRun) {
   const std::string features = Features();
   ASSERT_EQ(runProgram({"-q", "cluster", features, "-o", Path("one.json")}).exitCode, 0);
-  const struct {
-    const char* batchSize;
-    int exitCode;
-  } cases[] = {{"5", 0}, {"2147483647", 0}, {"2147483648", 2}, {"99999999999999999999", 2}};
-  for (const auto& c : cases) {
+  for (const char* batchSize : {"5", "2147483647"}) {
     const ProcessResult run =
-        runProgram({"-q", "cluster", features, "--batch-size", c.batchSize, "-o", Path("b.json")});
-    EXPECT_EQ(run.exitCode, c.exitCode) << c.batchSize << ": " << run.err;
-    if (c.exitCode == 0) {
-      EXPECT_EQ(readWholeFile(Path("b.json")), readWholeFile(Path("one.json"))) << c.batchSize;
-    } else {
-      EXPECT_NE(run.err.find("--batch-size"), std::string::npos) << run.err;
-    }
+        runProgram({"-q", "cluster", features, "--batch-size", batchSize, "-o", Path("b.json")});
+    EXPECT_EQ(run.exitCode, 0) << batchSize << ": " << run.err;
+    EXPECT_EQ(readWholeFile(Path("b.json")), readWholeFile(Path("one.json"))) << batchSize;
   }
 }
 
@@ -83,8 +73,7 @@ TEST_F(HostileInputTest, SpecialOutputFilesAreWrittenInPlace) {
   EXPECT_EQ(folder_.entries(), 2) << "a temporary file was left behind";
 }
 
-// Reading stops at the limit, before it for a regular file that claims more,
-// and a value that only a double can hold is refused.
+// Reading stops at the limit, before it for a regular file that claims more.
 TEST_F(HostileInputTest, InputsPastTheirLimitsAreRefused) {
   const std::string big = folder_.write("big.f32", std::string(2 * 3840, '\0'));
   EXPECT_EQ(readWholeFile(big, 2 * 3840).size(), 2 * 3840u);
@@ -99,19 +88,6 @@ TEST_F(HostileInputTest, InputsPastTheirLimitsAreRefused) {
           << e.what();
     }
   }
-
-  // A cluster whose representative feature starts with `first`.
-  auto clusterWith = [](const std::string& first) {
-    std::string feature = "[" + first;
-    for (int i = 1; i < kFeatureDim; ++i) feature += ",0";
-    return R"({"format": "xvkfc-clusters", "clusters": [{"cluster_id": 0, "face_ids": [1], "representative_face_id": 1, )"
-           R"("representative_feature": )" +
-           feature + "]}]}";
-  };
-  EXPECT_THROW(clustersFromJson(clusterWith("1e39"), "x.json"), ToolError);
-  // The largest float, as nine digits write it, still reads back.
-  EXPECT_EQ(clustersFromJson(clusterWith("3.40282347e+38"), "x.json")[0].feature[0],
-            std::numeric_limits<float>::max());
 }
 
 // An input that is a FIFO nothing writes to is refused at once (a plain
@@ -122,10 +98,7 @@ TEST_F(HostileInputTest, FifosWithoutWriterAndFoldersAreRefusedAtOnce) {
   const std::string out = Path("out.json");
   const std::vector<std::string> runs[] = {
       {"cluster", fifo, "-o", out},
-      {"cluster", features, "--ids", fifo, "-o", out},
       {"cluster", features, "--labels", fifo, "-o", out},
-      {"cluster", features, "--ids", folder_.write("ids.txt", "0 1 2 3 4"), "--existing", fifo,
-       "-o", out},
       {"extract", fifo + ".png", "--face", "0,0,1,1", "-o", Path("x.npy")},
       {"cluster", folder, "-o", out},
   };
@@ -184,26 +157,6 @@ TEST_F(HostileInputTest, MessagesEscapeWhatTheyCannotPrint) {
       {"\xff\xc0\x80\xed\xa0\x80\xce", "\\xff\\xc0\\x80\\xed\\xa0\\x80\\xce"},
   };
   for (const auto& c : cases) EXPECT_EQ(printableText(c.text), c.printed) << c.printed;
-}
-
-// Sizes and rectangles whose sums or products pass int are refused with a
-// reason before any of it is computed in int.
-TEST_F(HostileInputTest, ExtractSizesPastIntAreRefused) {
-  const std::string image = folder_.write("i.yuv", std::string(4 * 4 + 2 * 2 * 2, '\x80'));
-  const struct {
-    const char *size, *face, *expected;
-    int exitCode;  // a rectangle off the image is a command-line mistake
-  } cases[] = {
-      {"4x4", "2147483647,0,2147483647,1", "does not lie inside the 4x4 image", 2},
-      {"4x4", "0,2,1,2147483647", "does not lie inside", 2},
-      {"2147483647x2147483647", "0,0,1,1", "more than the 1073741824", 1},
-  };
-  for (const auto& c : cases) {
-    const ProcessResult run =
-        runProgram({"extract", image, "--size", c.size, "--face", c.face, "-o", Path("x.npy")});
-    EXPECT_EQ(run.exitCode, c.exitCode) << c.face;
-    EXPECT_NE(run.err.find(c.expected), std::string::npos) << run.err;
-  }
 }
 
 }  // namespace
