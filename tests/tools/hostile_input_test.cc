@@ -1,11 +1,11 @@
-// Inputs chosen to break the program: sizes past int, special files, values
-// past float32, sources that never end. Each gets a clear error or a sane run.
+// Inputs chosen to break the program: batch sizes up to int's limit, special
+// output files, sources that never end, clusters without a representative.
+// Each gets a clear error or a sane run.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 
 #include "evaluation/synthetic_gallery.h"
 #include "process.h"
@@ -90,31 +90,6 @@ TEST_F(HostileInputTest, InputsPastTheirLimitsAreRefused) {
   }
 }
 
-// An input that is a FIFO nothing writes to is refused at once (a plain
-// open would wait for a writer for ever), and a folder is no input file.
-TEST_F(HostileInputTest, FifosWithoutWriterAndFoldersAreRefusedAtOnce) {
-  const std::string features = Features(), fifo = Path("pipe"), folder = Path("");
-  ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
-  const std::string out = Path("out.json");
-  const std::vector<std::string> runs[] = {
-      {"cluster", fifo, "-o", out},
-      {"cluster", features, "--labels", fifo, "-o", out},
-      {"extract", fifo + ".png", "--face", "0,0,1,1", "-o", Path("x.npy")},
-      {"cluster", folder, "-o", out},
-  };
-  ASSERT_EQ(symlink(fifo.c_str(), (fifo + ".png").c_str()), 0);
-  for (const auto& args : runs) {
-    std::vector<std::string> quiet = {"-q"};
-    quiet.insert(quiet.end(), args.begin(), args.end());
-    const ProcessResult run = runProgram(quiet);
-    EXPECT_EQ(run.exitCode, 1) << args[1];
-    const bool refused =
-        run.err.find("a FIFO or pipe that nothing is writing to") != std::string::npos ||
-        run.err.find("not a regular file (a directory)") != std::string::npos;
-    EXPECT_TRUE(refused) << run.err;
-  }
-}
-
 // A cluster whose representative ran out of memory (featureDim 0, written
 // as null) is read back and handed to the library, which keeps it.
 TEST_F(HostileInputTest, ClustersWithoutRepresentativeSurviveTheClustersFile) {
@@ -123,14 +98,11 @@ TEST_F(HostileInputTest, ClustersWithoutRepresentativeSurviveTheClustersFile) {
   const ProcessResult run = runProgram({"-q", "cluster", features, "--ids", ids, "--existing",
                                         Path("in.json"), "-o", Path("out.json")});
   ASSERT_EQ(run.exitCode, 0) << run.err;
-  const std::vector<ClusterRecord> out = readClusters(Path("out.json"));
-  const auto kept = std::find_if(out.begin(), out.end(), [](const ClusterRecord& c) {
-    return c.faceIds == std::vector<int>{100, 101};
-  });
-  ASSERT_NE(kept, out.end());
-  EXPECT_GE(kept->id, 0);
-  EXPECT_EQ(kept->repFaceId, 100);
-  EXPECT_TRUE(kept->feature.empty());
+  int kept = 0;  // with its id, its representative face and no feature
+  for (const ClusterRecord& c : readClusters(Path("out.json")))
+    kept += c.faceIds == std::vector<int>{100, 101} && c.id >= 0 && c.repFaceId == 100 &&
+            c.feature.empty();
+  EXPECT_EQ(kept, 1);
   // recommend leaves it out: the library answers -1 for a list holding one.
   const ProcessResult fit =
       runProgram({"recommend", features, "--ids", ids, "--clusters", Path("out.json")});
@@ -139,16 +111,9 @@ TEST_F(HostileInputTest, ClustersWithoutRepresentativeSurviveTheClustersFile) {
   EXPECT_EQ(fit.out.find("\t-1\t1023\n"), std::string::npos) << fit.out;
 }
 
-// Bytes of a binary file quoted in a message are escaped, so that the
-// whole message reaches the terminal; text in UTF-8 stays as it is.
-TEST_F(HostileInputTest, MessagesEscapeWhatTheyCannotPrint) {
-  const std::string ids = folder_.write("ids.txt", std::string("1\0x\x1b 2", 6));
-  const ProcessResult run =
-      runProgram({"-q", "cluster", Features(), "--ids", ids, "-o", Path("o.json")});
-  EXPECT_EQ(run.exitCode, 1);
-  EXPECT_NE(run.err.find("ids.txt: line 1: '1\\x00x\\x1b' is not a number (face ids entry 0); "),
-            std::string::npos)
-      << run.err;
+// Bytes that cannot be printed are escaped, so that the whole message
+// reaches the terminal; text in UTF-8 stays as it is.
+TEST(PrintableTextTest, EscapesWhatCannotBePrinted) {
   const struct {
     std::string text, printed;
   } cases[] = {
