@@ -72,6 +72,11 @@ TEST(ClusterJsonTest, RejectsMalformedDocumentsWithTheReason) {
            R"("representative_feature": )" +
            Feature(959)),
        "array of 960 numbers"},
+      // Finite as a double, infinite as the float the library takes.
+      {one(R"("cluster_id": 0, "face_ids": [1], "representative_face_id": 1, )"
+           R"("representative_feature": [1e39)" +
+           Feature(kFeatureDim).substr(4)),
+       "must hold finite float32 numbers"},
       {one(R"("cluster_id": 2, "face_ids": [1], "representative_face_id": 1, )" + feature +
            R"(}, {"cluster_id": 2, "face_ids": [5], "representative_face_id": 5, )" + feature),
        "cluster 1: duplicate cluster id 2"},

@@ -61,18 +61,18 @@ TEST(FeatureFileTest, ReadsWhatItWritesBitExactlyAndTheOtherLayouts) {
 
   // Integer lists as text (numpy.savetxt's floats, commas, comments) and as
   // little-endian int64, also under a name that is not .npy.
-  EXPECT_EQ(readIntList(folder.write("ids.txt", " 5\n-3\t2147483647\n"), "ids"),
-            (std::vector<int>{5, -3, 2147483647}));
-  EXPECT_EQ(readIntList(folder.write("savetxt.txt",
-                                     "# ids\n1.000000000000000000e+00,-2.0  # two\n3e+01,\n"),
-                        "ids"),
-            (std::vector<int>{1, -2, 30}));
-  const std::string wide = std::string("\x07\0\0\0\0\0\0\0", 8) + std::string(8, '\xff');
-  EXPECT_EQ(readIntList(folder.write("ids.bin", encodeNpy("<i8", {2}, wide)), "ids"),
-            (std::vector<int>{7, -1}));
-  EXPECT_EQ(readIntList(folder.write("u4.npy", encodeNpy("<u4", {1}, std::string("\x07\0\0\0", 4))),
-                        "ids"),
-            (std::vector<int>{7}));
+  const struct {
+    std::string name, bytes;
+    std::vector<int> ids;
+  } lists[] = {
+      {"ids.txt", " 5\n-3\t2147483647\n", {5, -3, 2147483647}},
+      {"savetxt.txt", "# ids\n1.000000000000000000e+00,-2.0  # two\n3e+01,\n", {1, -2, 30}},
+      {"ids.bin",
+       encodeNpy("<i8", {2}, std::string("\x07\0\0\0\0\0\0\0", 8) + std::string(8, '\xff')),
+       {7, -1}},
+      {"u4.npy", encodeNpy("<u4", {1}, std::string("\x07\0\0\0", 4)), {7}},
+  };
+  for (const auto& c : lists) EXPECT_EQ(readIntList(folder.write(c.name, c.bytes), "ids"), c.ids);
 }
 
 TEST(FeatureFileTest, RejectsBadFilesWithTheReason) {
@@ -81,16 +81,6 @@ TEST(FeatureFileTest, RejectsBadFilesWithTheReason) {
   std::string nan = raw;
   const float notANumber = std::numeric_limits<float>::quiet_NaN();
   std::memcpy(&nan[4 * (kFeatureDim + 2)], &notANumber, 4);
-  const auto doubles = [](const std::string& floats) {  // the same values as float64
-    std::string wide;
-    for (size_t i = 0; i < floats.size(); i += 4) {
-      float value;
-      std::memcpy(&value, &floats[i], 4);
-      const double widened = value;
-      wide.append(reinterpret_cast<const char*>(&widened), 8);
-    }
-    return wide;
-  };
   const struct {
     std::string name, bytes, expected;
     bool faceIds;  // read as the face ids of 3 features, otherwise as features
@@ -110,11 +100,11 @@ TEST(FeatureFileTest, RejectsBadFilesWithTheReason) {
        "Fortran", false},
       {"empty.raw", "", "no features", false},
       // Raw needs its name, unit-length float32 and whole features: float64
-      // read as float32 would be twice as many faces of garbage.
+      // read as float32 would be twice as many faces of garbage, none of
+      // unit length.
       {"features.bin", raw, "not a NumPy file: features are a NumPy float32 or float64 array",
        false},
       {"clusters.npy", "\n {\"clusters\": []}", "not a NumPy file, it looks like JSON", false},
-      {"f64.f32", doubles(raw), "feature 0 has length", false},
       {"short.f32", raw.substr(4), "7676 bytes do not divide into features of 3840", false},
       {"zero.raw", std::string(3840, '\0'),
        "feature 0 has length 0, not 1; raw features are unit-length", false},

@@ -1,12 +1,11 @@
-// Inputs chosen to break the program: sizes past int, special files, values
-// past float32, sources that never end. Each gets a clear error or a sane run.
+// Inputs chosen to break the program: batch sizes up to int's limit, special
+// output files, sources that never end, clusters without a representative.
+// Each gets a clear error or a sane run.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <limits>
 
 #include "evaluation/synthetic_gallery.h"
 #include "process.h"
@@ -35,24 +34,15 @@ class HostileInputTest : public testing::Test {
   tool_test::TempFolder folder_;
 };
 
-// A batch size at or above the face count is one run; one past int is a
-// command-line mistake.
+// A batch size at or above the face count, up to the largest int, is one run.
 TEST_F(HostileInputTest, BatchSizesPastTheFaceCountAreOneRun) {
   const std::string features = Features();
   ASSERT_EQ(runProgram({"-q", "cluster", features, "-o", Path("one.json")}).exitCode, 0);
-  const struct {
-    const char* batchSize;
-    int exitCode;
-  } cases[] = {{"5", 0}, {"2147483647", 0}, {"2147483648", 2}, {"99999999999999999999", 2}};
-  for (const auto& c : cases) {
+  for (const char* batchSize : {"5", "2147483647"}) {
     const ProcessResult run =
-        runProgram({"-q", "cluster", features, "--batch-size", c.batchSize, "-o", Path("b.json")});
-    EXPECT_EQ(run.exitCode, c.exitCode) << c.batchSize << ": " << run.err;
-    if (c.exitCode == 0) {
-      EXPECT_EQ(readWholeFile(Path("b.json")), readWholeFile(Path("one.json"))) << c.batchSize;
-    } else {
-      EXPECT_NE(run.err.find("--batch-size"), std::string::npos) << run.err;
-    }
+        runProgram({"-q", "cluster", features, "--batch-size", batchSize, "-o", Path("b.json")});
+    EXPECT_EQ(run.exitCode, 0) << batchSize << ": " << run.err;
+    EXPECT_EQ(readWholeFile(Path("b.json")), readWholeFile(Path("one.json"))) << batchSize;
   }
 }
 
@@ -78,13 +68,10 @@ TEST_F(HostileInputTest, SpecialOutputFilesAreWrittenInPlace) {
   struct stat status;
   ASSERT_EQ(stat(fifo.c_str(), &status), 0);
   EXPECT_TRUE(S_ISFIFO(status.st_mode));
-  ASSERT_EQ(stat("/dev/full", &status), 0);
-  EXPECT_TRUE(S_ISCHR(status.st_mode));
   EXPECT_EQ(folder_.entries(), 2) << "a temporary file was left behind";
 }
 
-// Reading stops at the limit, before it for a regular file that claims more,
-// and a value that only a double can hold is refused.
+// Reading stops at the limit, before it for a regular file that claims more.
 TEST_F(HostileInputTest, InputsPastTheirLimitsAreRefused) {
   const std::string big = folder_.write("big.f32", std::string(2 * 3840, '\0'));
   EXPECT_EQ(readWholeFile(big, 2 * 3840).size(), 2 * 3840u);
@@ -99,47 +86,6 @@ TEST_F(HostileInputTest, InputsPastTheirLimitsAreRefused) {
           << e.what();
     }
   }
-
-  // A cluster whose representative feature starts with `first`.
-  auto clusterWith = [](const std::string& first) {
-    std::string feature = "[" + first;
-    for (int i = 1; i < kFeatureDim; ++i) feature += ",0";
-    return R"({"format": "xvkfc-clusters", "clusters": [{"cluster_id": 0, "face_ids": [1], "representative_face_id": 1, )"
-           R"("representative_feature": )" +
-           feature + "]}]}";
-  };
-  EXPECT_THROW(clustersFromJson(clusterWith("1e39"), "x.json"), ToolError);
-  // The largest float, as nine digits write it, still reads back.
-  EXPECT_EQ(clustersFromJson(clusterWith("3.40282347e+38"), "x.json")[0].feature[0],
-            std::numeric_limits<float>::max());
-}
-
-// An input that is a FIFO nothing writes to is refused at once (a plain
-// open would wait for a writer for ever), and a folder is no input file.
-TEST_F(HostileInputTest, FifosWithoutWriterAndFoldersAreRefusedAtOnce) {
-  const std::string features = Features(), fifo = Path("pipe"), folder = Path("");
-  ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
-  const std::string out = Path("out.json");
-  const std::vector<std::string> runs[] = {
-      {"cluster", fifo, "-o", out},
-      {"cluster", features, "--ids", fifo, "-o", out},
-      {"cluster", features, "--labels", fifo, "-o", out},
-      {"cluster", features, "--ids", folder_.write("ids.txt", "0 1 2 3 4"), "--existing", fifo,
-       "-o", out},
-      {"extract", fifo + ".png", "--face", "0,0,1,1", "-o", Path("x.npy")},
-      {"cluster", folder, "-o", out},
-  };
-  ASSERT_EQ(symlink(fifo.c_str(), (fifo + ".png").c_str()), 0);
-  for (const auto& args : runs) {
-    std::vector<std::string> quiet = {"-q"};
-    quiet.insert(quiet.end(), args.begin(), args.end());
-    const ProcessResult run = runProgram(quiet);
-    EXPECT_EQ(run.exitCode, 1) << args[1];
-    const bool refused =
-        run.err.find("a FIFO or pipe that nothing is writing to") != std::string::npos ||
-        run.err.find("not a regular file (a directory)") != std::string::npos;
-    EXPECT_TRUE(refused) << run.err;
-  }
 }
 
 // A cluster whose representative ran out of memory (featureDim 0, written
@@ -150,14 +96,11 @@ TEST_F(HostileInputTest, ClustersWithoutRepresentativeSurviveTheClustersFile) {
   const ProcessResult run = runProgram({"-q", "cluster", features, "--ids", ids, "--existing",
                                         Path("in.json"), "-o", Path("out.json")});
   ASSERT_EQ(run.exitCode, 0) << run.err;
-  const std::vector<ClusterRecord> out = readClusters(Path("out.json"));
-  const auto kept = std::find_if(out.begin(), out.end(), [](const ClusterRecord& c) {
-    return c.faceIds == std::vector<int>{100, 101};
-  });
-  ASSERT_NE(kept, out.end());
-  EXPECT_GE(kept->id, 0);
-  EXPECT_EQ(kept->repFaceId, 100);
-  EXPECT_TRUE(kept->feature.empty());
+  int kept = 0;  // with its id, its representative face and no feature
+  for (const ClusterRecord& c : readClusters(Path("out.json")))
+    kept += c.faceIds == std::vector<int>{100, 101} && c.id >= 0 && c.repFaceId == 100 &&
+            c.feature.empty();
+  EXPECT_EQ(kept, 1);
   // recommend leaves it out: the library answers -1 for a list holding one.
   const ProcessResult fit =
       runProgram({"recommend", features, "--ids", ids, "--clusters", Path("out.json")});
@@ -166,16 +109,9 @@ TEST_F(HostileInputTest, ClustersWithoutRepresentativeSurviveTheClustersFile) {
   EXPECT_EQ(fit.out.find("\t-1\t1023\n"), std::string::npos) << fit.out;
 }
 
-// Bytes of a binary file quoted in a message are escaped, so that the
-// whole message reaches the terminal; text in UTF-8 stays as it is.
-TEST_F(HostileInputTest, MessagesEscapeWhatTheyCannotPrint) {
-  const std::string ids = folder_.write("ids.txt", std::string("1\0x\x1b 2", 6));
-  const ProcessResult run =
-      runProgram({"-q", "cluster", Features(), "--ids", ids, "-o", Path("o.json")});
-  EXPECT_EQ(run.exitCode, 1);
-  EXPECT_NE(run.err.find("ids.txt: line 1: '1\\x00x\\x1b' is not a number (face ids entry 0); "),
-            std::string::npos)
-      << run.err;
+// Bytes that cannot be printed are escaped, so that the whole message
+// reaches the terminal; text in UTF-8 stays as it is.
+TEST(PrintableTextTest, EscapesWhatCannotBePrinted) {
   const struct {
     std::string text, printed;
   } cases[] = {
@@ -184,26 +120,6 @@ TEST_F(HostileInputTest, MessagesEscapeWhatTheyCannotPrint) {
       {"\xff\xc0\x80\xed\xa0\x80\xce", "\\xff\\xc0\\x80\\xed\\xa0\\x80\\xce"},
   };
   for (const auto& c : cases) EXPECT_EQ(printableText(c.text), c.printed) << c.printed;
-}
-
-// Sizes and rectangles whose sums or products pass int are refused with a
-// reason before any of it is computed in int.
-TEST_F(HostileInputTest, ExtractSizesPastIntAreRefused) {
-  const std::string image = folder_.write("i.yuv", std::string(4 * 4 + 2 * 2 * 2, '\x80'));
-  const struct {
-    const char *size, *face, *expected;
-    int exitCode;  // a rectangle off the image is a command-line mistake
-  } cases[] = {
-      {"4x4", "2147483647,0,2147483647,1", "does not lie inside the 4x4 image", 2},
-      {"4x4", "0,2,1,2147483647", "does not lie inside", 2},
-      {"2147483647x2147483647", "0,0,1,1", "more than the 1073741824", 1},
-  };
-  for (const auto& c : cases) {
-    const ProcessResult run =
-        runProgram({"extract", image, "--size", c.size, "--face", c.face, "-o", Path("x.npy")});
-    EXPECT_EQ(run.exitCode, c.exitCode) << c.face;
-    EXPECT_NE(run.err.find(c.expected), std::string::npos) << run.err;
-  }
 }
 
 }  // namespace

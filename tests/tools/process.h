@@ -20,12 +20,10 @@ ProcessResult runProgram(const std::vector<std::string>& args);
 
 // A fresh empty folder under the test temporary folder, removed with all it
 // holds when the object goes.
-class TempFolder {
- public:
+struct TempFolder {
   TempFolder();
   ~TempFolder();
   TempFolder(const TempFolder&) = delete;
-  TempFolder& operator=(const TempFolder&) = delete;
 
   std::string path(const std::string& name) const { return path_ + "/" + name; }
   // Writes `bytes` to the file `name` and returns its path.
@@ -33,7 +31,6 @@ class TempFolder {
   // The number of entries in the folder.
   int entries() const;
 
- private:
   std::string path_;
 };
 
