@@ -122,14 +122,8 @@ TEST(ReportTest, ClustersToDoubtAreMarkedAndListedFirst) {
 // find the same close matches as scoring every representative, for far
 // fewer comparisons.
 TEST(ReportTest, ProfileSearchFindsWhatScoringEveryClusterFinds) {
-  evaluation::GalleryOptions options;
-  options.seed = 7;
-  options.people = 320;
-  options.minFaces = 2;
-  options.maxFaces = 3;
-  options.lookAlikes = 80;
-  options.loneFaces = 60;
-  options.duplicates = 0;
+  // Seed 7: 320 people of 2 or 3 faces (80 of them look-alikes), 60 lone faces.
+  const evaluation::GalleryOptions options = {7, 320, 2, 3, 80, 60, 0};
   const evaluation::Gallery gallery = evaluation::makeGallery(options);
   // A cluster per person, but every fifth face left unclustered.
   std::map<int, std::vector<int>> faces;  // person -> faces; -1: unclustered
