@@ -55,10 +55,10 @@ struct GalleryFigures {
 // (the best-pair merge level 0.74) or more, and, when `identities` are
 // known, more than one identity. Every unclustered face is matched against
 // the members of its kNearestClusters nearest clusters (by representative,
-// found as `search` says); pairs of unclustered
-// faces are sought among the faces that share one of their two nearest
-// reference faces (every k-th unclustered face, k about the square root of
-// their count), so a pair far from every reference face may be missed.
+// found as `search` says); pairs of unclustered faces are sought among the
+// faces that share one of their two nearest reference faces (every k-th
+// unclustered face, k about the square root of their count), so a pair far
+// from every reference face may be missed.
 GalleryFigures measureGallery(const ClusterOrder& order, const std::vector<int>& faceIds,
                               const std::map<int, int>& identities, double level, size_t maxPairs,
                               const RowScore& score, NearSearch search = NearSearch::kAuto);
