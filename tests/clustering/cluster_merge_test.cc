@@ -18,15 +18,19 @@ TEST(ClusterSplit, CutsLooseClustersUnderTheNextIdAboveAllInUse) {
   // mean test fires, both 2-means centres start equal, ties go to group 0 and
   // nothing moves. Faces 9..11: mean 0.8, but face 10 is at 0.6 to face 11
   // and seeds (seeding with face 9 would cut 9 off). Face 12 is unclustered,
-  // face 13 alone.
+  // face 13 alone. Faces 14..17 at 0.69 everywhere but face 14's own 0.95:
+  // every test lands exactly on 0.69, which is not below it, so they stay.
   FaceClusteringSystem engine;
-  engine.kernel = pairKernel(14, 0.1f,
+  engine.kernel = pairKernel(18, 0.1f,
                              {{0, 1, 0.85f}, {2, 3, 0.9f}, {4, 5, std::nextafter(0.9f, 0.0f)},
                               {9, 10, 0.9f}, {9, 11, 0.9f}, {10, 11, 0.6f}});
-  for (int i = 6; i < 9; ++i) engine.kernel[i] = Vec<float>(14, 0.5f);
-  Vec<int> labels = {0, 0, 1, 1, 2, 2, 3, 3, 3, 4, 4, 4, -1, 6};
+  for (int i = 6; i < 9; ++i) engine.kernel[i] = Vec<float>(18, 0.5f);
+  for (int i = 14; i < 18; ++i) {
+    for (int j = 14; j < 18; ++j) engine.kernel[i][j] = i == 14 && j == 14 ? 0.95f : 0.69f;
+  }
+  Vec<int> labels = {0, 0, 1, 1, 2, 2, 3, 3, 3, 4, 4, 4, -1, 6, 5, 5, 5, 5};
   engine.ClusterSplit(labels);
-  EXPECT_EQ(labels, Vec<int>({7, 0, 1, 1, 8, 2, 3, 3, 3, 4, 9, 4, -1, 6}));
+  EXPECT_EQ(labels, Vec<int>({7, 0, 1, 1, 8, 2, 3, 3, 3, 4, 9, 4, -1, 6, 5, 5, 5, 5}));
 }
 
 // One pass over clusters 0 (faces 0..sizeA-1) and 1 (the next sizeB), 0.95
