@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <tuple>
+#include <utility>
 #include <vector>
 
 #include "clustering/face_clustering_system.h"
@@ -17,6 +18,8 @@
 namespace testing_support {
 
 using Ids = std::vector<int>;
+// A result as the application reads it: cluster ids and members, in list order.
+using Listing = std::vector<std::pair<int, Ids>>;
 
 // Scripts the kernel similarity of two tagged features (exact from 0.25 up).
 inline void Similar(int tagA, int tagB, float similarity) {
@@ -76,6 +79,12 @@ class ReadyHandle : public testing::Test {
     Ids ids;
     for (int i = 0; i < result.count; ++i) ids.push_back(result.items[i].clusterId);
     return ids;
+  }
+  Listing Clusters() const {
+    Listing listing;
+    for (const itf_xvk_clusteritem* c = result.items; c < result.items + result.count; ++c)
+      listing.push_back({c->clusterId, Ids(c->faceIds, c->faceIds + c->faceCount)});
+    return listing;
   }
   Ids MembersOf(int clusterId) const {
     for (int i = 0; i < result.count; ++i) {
