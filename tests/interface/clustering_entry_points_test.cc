@@ -135,6 +135,8 @@ TEST_F(ClusteringCycle, RecommendationSkipsTheBucketAndKeepsTheEarlierTie) {
   itf_xvk_clusterinfo list = {4, items};
   EXPECT_EQ(handle.itf_xvk_recommendCluster(&list, query.data(), 99), 3);
   EXPECT_EQ(handle.itf_xvk_recommendCluster(&list, stranger.data(), 0), -1);
+  itf_xvk_clusterinfo one = {1, &items[2]};  // a list of one cluster is a list too
+  EXPECT_EQ(handle.itf_xvk_recommendCluster(&one, query.data(), 0), 3);
   // Scores on 0..1023, kept above 920 only, clamped: 1.2 ties with 1.5.
   testing_support::scripted().setScore(f20, query, 1.2f);
   testing_support::scripted().setScore(f10, query, 1.5f);
