@@ -93,8 +93,7 @@ TEST_F(ClusteringCycle, TakesBackLargeIdsAndClustersWithoutAFeature) {
   itf_xvk_clusterinfo existing = {2, items};
   Load({13, 14, 15, 20, 21, 30});
   ASSERT_EQ(Run(&existing), 1);
-  EXPECT_EQ(Clusters(),
-            (Listing{{-1, {30}}, {0, {50, 51}}, {1, {10, 13, 14, 15}}, {2, {20, 21}}}));
+  EXPECT_EQ(Clusters(), (Listing{{-1, {30}}, {0, {50, 51}}, {1, {10, 13, 14, 15}}, {2, {20, 21}}}));
   EXPECT_EQ(result.items[1].featureDim, 0);
 
   // The result goes back in as it came out.

@@ -66,10 +66,10 @@ TEST_F(PlannedClustering, NewFacesJoinTheClustersTheyMatch) {
   EXPECT_EQ(stats.runs, 4);
   EXPECT_EQ(runsSeen, (std::vector<Ids>{{1, 1, 3, 12}, {1, 2, 3, 6}, {1, 3, 3, 2}, {2, 1, 1, 1}}));
   EXPECT_EQ(Clusters(), (testing_support::Listing{{-1, {200, 50}},
-                                                 {0, {100, 101, 104}},
-                                                 {1, {20, 21, 22, 23, 24, 25}},  // the engine's order
-                                                 {2, {10, 11, 12, 13, 14, 15}},
-                                                 {3, {30, 31, 32, 33, 34, 35}}}));
+                                                  {0, {100, 101, 104}},
+                                                  {1, {20, 21, 22, 23, 24, 25}},  // engine's order
+                                                  {2, {10, 11, 12, 13, 14, 15}},
+                                                  {3, {30, 31, 32, 33, 34, 35}}}));
   EXPECT_EQ(result.items[1].repFaceId, 100);
   rounds = 1;  // face 50 is still pending, but no second round
   ASSERT_EQ(Import(tags, &existing, 12), 5);
