@@ -15,6 +15,7 @@
 #include "clustering/face_clustering_system.h"
 #include "clustering/kernel_block.h"
 #include "evaluation/random.h"
+#include "numeric/kmeans.h"
 #include "platform/fast_paths.h"
 #include "support/log_capture.h"
 
@@ -127,7 +128,7 @@ TEST(RenderingEquivalence, SplitAndRefinement) {
 
 // Uniform values over many magnitudes, so that any other order of the
 // additions shows in the bits; index lists with runs of every length.
-TEST(RenderingEquivalence, BlockSumsAndTwoMeans) {
+TEST(RenderingEquivalence, BlockSumsAndTwoMeansMatchThePlainLoops) {
   for (int seed = 0; seed < 60; ++seed) {
     SCOPED_TRACE(seed);
     Random random(seed);
@@ -142,6 +143,22 @@ TEST(RenderingEquivalence, BlockSumsAndTwoMeans) {
     }
     if (members.empty()) continue;
     for (std::size_t u = 0; u < members.size(); ++u) seeds.push_back(random.below(2));
+
+    // The sums of a plain loop over each row, in list order.
+    std::vector<float> rowSums;
+    for (int i : members) {
+      float sum = 0.0f;
+      for (int j : members) sum += kernel[i][j];
+      rowSums.push_back(sum);
+    }
+    // 2-means on the gathered block.
+    Mat<float> block(static_cast<int>(members.size()), static_cast<int>(members.size()));
+    for (std::size_t u = 0; u < members.size(); ++u) {
+      for (std::size_t v = 0; v < members.size(); ++v) block[u][v] = kernel[members[u]][members[v]];
+    }
+    Vec<int> gathered;
+    kmeans(block, 2, seeds, gathered);
+
     const auto [plain, dispatched] = plainAndDispatched([&] {
       std::vector<detail::Run> runs;
       std::vector<float> sums;
@@ -151,7 +168,10 @@ TEST(RenderingEquivalence, BlockSumsAndTwoMeans) {
       detail::twoMeansOnBlock(kernel, members, seeds, labels, scratch);
       return std::make_pair(sums, labels);
     });
-    EXPECT_EQ(plain, dispatched);
+    EXPECT_EQ(plain.first, rowSums);
+    EXPECT_EQ(dispatched.first, rowSums);
+    EXPECT_EQ(plain.second, gathered);
+    EXPECT_EQ(dispatched.second, gathered);
   }
 }
 
